@@ -1,0 +1,77 @@
+# All tests. A folder's *_test.cpp become one program whose ctest label is the folder's name
+# (`ctest -L tin`); beside them stand the checks of the conventions and of the installed package.
+
+include(GoogleTest)
+find_package(GTest REQUIRED)
+find_program(QELTIN_PYTHON python3 REQUIRED)
+
+# Adds the program qeltin_<label>_test from the *_test.cpp under the folders, if there are any.
+# Test names start with "<label>/". The target is left in `test_program`, or empty.
+function(qeltin_add_unit_tests label)
+  set(test_program "" PARENT_SCOPE)
+  set(sources)
+  foreach(folder IN LISTS ARGN)
+    file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*_test.cpp)
+    list(APPEND sources ${found})
+  endforeach()
+  if(NOT sources)
+    return()
+  endif()
+  set(program qeltin_${label}_test)
+  add_executable(${program} ${sources})
+  target_link_libraries(${program} PRIVATE
+    qeltin_build_flags qeltin_testing qeltin_static GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${program}
+    TEST_PREFIX ${label}/
+    PROPERTIES LABELS ${label}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60)
+  set(test_program ${program} PARENT_SCOPE)
+endfunction()
+
+foreach(subsystem IN ITEMS
+        platform kernel tin products persistence contour decimate models render)
+  qeltin_add_unit_tests(${subsystem} qeltin/${subsystem})
+endforeach()
+qeltin_add_unit_tests(testing testing)
+
+if(TARGET qeltin_cli)
+  qeltin_add_unit_tests(cli apps/qeltin)
+  if(test_program)
+    find_package(nlohmann_json REQUIRED)
+    add_dependencies(${test_program} qeltin_cli)
+    target_compile_definitions(${test_program} PRIVATE
+      QELTIN_COMMAND="$<TARGET_FILE:qeltin_cli>" QELTIN_VERSION="${PROJECT_VERSION}")
+    target_link_libraries(${test_program} PRIVATE nlohmann_json::nlohmann_json)
+  endif()
+endif()
+
+# Adds a test of the given label that is a command.
+function(qeltin_add_command_test label name)
+  add_test(NAME ${label}/${name} COMMAND ${ARGN})
+  set_tests_properties(${label}/${name} PROPERTIES LABELS ${label})
+endfunction()
+
+set(arrows ${PROJECT_SOURCE_DIR}/testing/conventions/include_arrows.py)
+qeltin_add_command_test(conventions format ${PROJECT_SOURCE_DIR}/scripts/format --check)
+qeltin_add_command_test(conventions include_arrows
+  ${QELTIN_PYTHON} ${arrows} ${PROJECT_SOURCE_DIR})
+qeltin_add_command_test(conventions include_arrows_self_test
+  ${QELTIN_PYTHON} ${arrows} --self-test)
+
+# A sanitized library would need sanitized hosts, and what an unoptimised one exports is another list.
+if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT QELTIN_SANITIZE)
+  set(install_tests ${PROJECT_SOURCE_DIR}/testing/install)
+  qeltin_add_command_test(install exported_symbols
+    ${QELTIN_PYTHON} ${install_tests}/exported_symbols.py $<TARGET_FILE:qeltin>)
+  set(ways find_package pkg_config)
+  if(TARGET qeltin_cli)
+    list(APPEND ways command)
+  endif()
+  foreach(way IN LISTS ways)
+    qeltin_add_command_test(install ${way}
+      ${install_tests}/build_hosts ${way} ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
+    # Each writes the manifest of what it installed into the build directory.
+    set_tests_properties(install/${way} PROPERTIES RESOURCE_LOCK install_manifest)
+  endforeach()
+endif()

@@ -1,0 +1,33 @@
+#include "qeltin/platform/ZeroedMemory.h"
+
+#include <sys/mman.h>
+
+#include <cstdlib>
+
+namespace qeltin::detail {
+
+namespace {
+
+// From here on a block is mapped. Smaller ones come from the allocator, which the sanitizers watch.
+constexpr std::size_t MAPPED_FROM = std::size_t{4} << 20;
+
+}  // namespace
+
+void* AllocateZeroed(std::size_t bytes) {
+  if (bytes < MAPPED_FROM) return std::calloc(bytes == 0 ? 1 : bytes, 1);
+  void* const block =
+      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (block == MAP_FAILED) return nullptr;
+  return block;
+}
+
+void FreeZeroed(void* block, std::size_t bytes) {
+  if (block == nullptr) return;
+  if (bytes < MAPPED_FROM) {
+    std::free(block);
+  } else {
+    munmap(block, bytes);
+  }
+}
+
+}  // namespace qeltin::detail

@@ -1,0 +1,62 @@
+#include "qeltin/tin/PointMap.h"
+
+#include <algorithm>
+
+#include "qeltin/tin/TIN.h"
+
+template class std::vector<TTriangle*>;
+
+PointMapNode const PointMap::m_ErrNode;
+
+TTriangle* PointMapNode::operator[](int i) const {
+  return i >= NumberOfTriangles() ? nullptr : m_Triangles[static_cast<std::size_t>(i)];
+}
+
+PointMapNode* PointMap::Find(TPoint const* point) {
+  auto const it = m_Tree.find(PointMapNode(point));
+  return it == m_Tree.end() ? nullptr : &it->second;
+}
+
+PointMapNode const& PointMap::FindPoint(TPoint const* point) {
+  PointMapNode const* const node = Find(point);
+  return node == nullptr ? m_ErrNode : *node;
+}
+
+PointMapNode const& PointMap::FindLeft(TPoint const& point) {
+  auto const it = m_Tree.lower_bound(PointMapNode(&point));
+  return it == m_Tree.end() ? m_ErrNode : it->second;
+}
+
+bool PointMap::AddPoint(TPoint const* point) {
+  PointMapNode const node(point);
+  return m_Tree.emplace(node, node).second;
+}
+
+bool PointMap::RemovePoint(TPoint const* point) { return m_Tree.erase(PointMapNode(point)) != 0; }
+
+bool PointMap::AddTriangle(TTriangle* triangle) {
+  for (TPoint const* corner : triangle->m_pVertex) {
+    PointMapNode* const node = Find(corner);
+    if (node == nullptr) return false;
+    auto& list = node->m_Triangles;
+    if (std::find(list.begin(), list.end(), triangle) == list.end()) list.push_back(triangle);
+  }
+  return true;
+}
+
+bool PointMap::RemoveTriangle(TTriangle* triangle) {
+  for (TPoint const* corner : triangle->m_pVertex) {
+    PointMapNode* const node = Find(corner);
+    if (node == nullptr) continue;
+    auto& list = node->m_Triangles;
+    auto const it = std::find(list.begin(), list.end(), triangle);
+    if (it != list.end()) list.erase(it);
+  }
+  return true;
+}
+
+bool PointMap::Build(TIN const& tin) {
+  for (int i = 0; i < tin.GetNumberOfPoints(); ++i) AddPoint(tin.GetPoint(i));
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) AddTriangle(tin.GetTriangle(i, true));
+  return m_Tree.empty();  // true for an empty map, not for success
+}

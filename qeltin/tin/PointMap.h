@@ -1,0 +1,96 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "qeltin/kernel/TPoint.h"
+#include "qeltin/kernel/TTriangle.h"
+#include "qeltin/platform/Export.h"
+
+class TIN;
+
+// The type in which lists of triangles cross the boundary.
+extern template class std::vector<TTriangle*>;
+
+// A point and the triangles that have it as a corner. Owns neither. A null point marks the invalid
+// node that lookups answer when they find nothing.
+//
+// Threads: a value; readers may share it.
+class QELTIN_API PointMapNode {
+ public:
+  PointMapNode() = default;
+  explicit PointMapNode(TPoint const* point) : m_pPoint(point) {}
+
+  // Compare the points by value on x, then y, then z, exactly. REQUIRES: both nodes are valid.
+  bool operator==(PointMapNode const& other) const { return *m_pPoint == *other.m_pPoint; }
+  bool operator<(PointMapNode const& other) const { return *m_pPoint < *other.m_pPoint; }
+  bool operator>(PointMapNode const& other) const { return *m_pPoint > *other.m_pPoint; }
+
+  // Returns triangle i of the list, or null from its size on. REQUIRES: i >= 0.
+  TTriangle* operator[](int i) const;
+
+  int NumberOfTriangles() const { return static_cast<int>(m_Triangles.size()); }
+  TPoint const* GetPoint() const { return m_pPoint; }
+  std::vector<TTriangle*> const& GetTriangles() const { return m_Triangles; }
+  bool IsValid() const { return m_pPoint != nullptr; }
+
+ private:
+  friend class PointMap;
+
+  TPoint const* m_pPoint = nullptr;
+  std::vector<TTriangle*> m_Triangles;
+};
+
+// An index from a point, by value, to the triangles around it. Points of equal coordinates share
+// one entry, which keeps the point that came first.
+//
+// A map is as good as the moment it was built: an insertion enters only the two new triangles that
+// it takes, so removal needs a map built after the last insertion. Owns neither points nor
+// triangles; both pools must outlive it. Nodes answered by reference stay valid until their entry
+// is erased.
+//
+// Threads: no lock. Lookups only read.
+class QELTIN_API PointMap {
+ public:
+  PointMap() = default;
+  PointMap(PointMap const&) = default;
+  PointMap& operator=(PointMap const&) = default;
+  ~PointMap() = default;
+
+  int GetNumberOfPoints() const { return static_cast<int>(m_Tree.size()); }
+
+  // Return the node of the point with equal coordinates, or the invalid node.
+  PointMapNode const& operator[](TPoint const* point) { return FindPoint(point); }
+  PointMapNode const& FindPoint(TPoint const* point);
+
+  // Returns the node of the first entry that is not less than `point` in the order of x, then y,
+  // then z; the invalid node past the last one. The point itself need not be there.
+  PointMapNode const& FindLeft(TPoint const& point);
+
+  // Enters `point`, which must outlive the map. Returns false, changing nothing, where an equal
+  // point stands already.
+  bool AddPoint(TPoint const* point);
+
+  // Erases the entry of the point with equal coordinates. Returns true iff there was one.
+  bool RemovePoint(TPoint const* point);
+
+  // Enters `triangle` once under each corner. Returns false at the first corner without an entry;
+  // the corners before it keep theirs.
+  bool AddTriangle(TTriangle* triangle);
+
+  // Erases `triangle` under each corner that has an entry. Always true.
+  bool RemoveTriangle(TTriangle* triangle);
+
+  // Enters all live points and triangles of `tin`, hidden ones too, on top of what the map holds.
+  // Returns true iff the map is empty afterwards: false for every real surface.
+  bool Build(TIN const& tin);
+
+  // Drops every entry.
+  void Clear() { m_Tree.clear(); }
+
+ private:
+  PointMapNode* Find(TPoint const* point);
+
+  std::map<PointMapNode, PointMapNode> m_Tree;  // the mapped node carries the triangles
+  static PointMapNode const m_ErrNode;
+};

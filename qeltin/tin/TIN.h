@@ -1,0 +1,269 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "qeltin/kernel/IPoint.h"
+#include "qeltin/kernel/TEdge.h"
+#include "qeltin/kernel/TPoint.h"
+#include "qeltin/kernel/TTriangle.h"
+#include "qeltin/platform/Export.h"
+#include "qeltin/tin/PointMap.h"
+#include "qeltin/tin/TArray.h"
+#include "qeltin/tin/Triangulator.h"
+
+class CQelUnitCnv;
+class TINFile;
+
+namespace qeltin::detail {
+class Cavity;
+}
+namespace qeltin::testing {
+struct TINPeer;
+}
+
+// A surface: a Delaunay triangulation in plan whose points carry a height. x east, y north, z up,
+// in the unit that the host supplies.
+//
+// Two boxes belong to it. The WORLD BOX is the domain of the structure: a point outside it is
+// refused, and the four corners of the seed rectangle stand on it. The DATA BOUNDS are the box of
+// the data proper: a triangle that had a corner outside them when it was made is marked TRI_OUTSIDE
+// and hidden. Box tests look at x and y and take the edge as inside.
+//
+// The seed corners and the triangles that reach them stay in the pools for life, so
+// GetNumberOfPoints and GetNumberOfTriangles count them, and each consumer tests the hidden bits.
+//
+// Points and triangles live in pools that are sized once: addresses handed out stay valid until the
+// pools are replaced (Init, Create, Clear, a load) or the surface is destroyed. A host may change
+// the z of a point; x and y of a point in use must stay.
+//
+// Failures are a null pointer, false or a count of 0. A default-constructed or cleared surface has
+// no pools: counts are 0, queries answer null or false, and insertion needs Init or Create first.
+//
+// Threads: no lock. Location moves state even through const operations, so that parallel queries on
+// one surface need a lock of the caller's. rand and srand are used, and they are process-wide.
+class QELTIN_API TIN {
+ public:
+  // --- Lifecycle ------------------------------------------------------------------------------
+
+  TIN();
+
+  // As TIN(), then Init. With `points` 0 there is no pool, the world box is (min, max) and the data
+  // bounds are empty.
+  TIN(TPoint const& min, TPoint const& max, int points);
+
+  // An empty surface, then Load(path), whose result is dropped.
+  explicit TIN(wchar_t const* path);
+
+  // Copies the pools. Corner and neighbour pointers inside the copied triangles still point into
+  // `other`, and the Trimble arrays are shared and stay with `other`: the copy is valid only while
+  // `other` lives unchanged. The copy has no map and no unit converter.
+  TIN(TIN const& other);
+  TIN& operator=(TIN const&) = delete;
+  ~TIN();
+
+  // Makes empty pools for `points` points, with a margin, and takes the data bounds as a promise:
+  // the world box reaches 10 widths of the bounds beyond them on every side. A point outside the
+  // bounds is still accepted within the world box, and widens them. Returns false and changes
+  // nothing where `points` is 0.
+  bool Init(int points, TPoint const& min, TPoint const& max);
+
+  // Drops both pools and sets all four box corners to zero. A map stays, without entries.
+  void Clear();
+
+  // Stores the converter that LoadTrimbleTinModel applies. Not owned; null for none.
+  void SetUnitConverter(CQelUnitCnv* converter) { m_pUnitConverter = converter; }
+
+  // --- Boxes, counts, elements ----------------------------------------------------------------
+
+  void GetWorldBounds(TPoint& min, TPoint& max) const;
+  void GetBounds(TPoint& min, TPoint& max) const;
+  bool InBounds(TPoint const& p) const {
+    return p.x >= m_Min.x && p.x <= m_Max.x && p.y >= m_Min.y && p.y <= m_Max.y;
+  }
+  bool InWorldBounds(TPoint const& p) const;
+  bool InBounds(TTriangle const& triangle) const;
+  bool InWorldBounds(TTriangle const& triangle) const;
+
+  int GetNumberOfPoints() const { return m_pPoints == nullptr ? 0 : m_pPoints->m_iCount; }
+  int GetNumberOfTriangles() const { return m_pTriangles == nullptr ? 0 : m_pTriangles->m_iCount; }
+
+  // Returns the point at `position` of the live order. REQUIRES: a position below the count.
+  TPoint* GetPoint(int position) const { return m_pPoints->At(position); }
+
+  // Returns the triangle at `position` of the live order; with `all` false, null for a hidden one.
+  // REQUIRES: a position below the count.
+  TTriangle* GetTriangle(int position, bool all) const {
+    TTriangle* const triangle = m_pTriangles->At(position);
+    return all || !triangle->IsHidden() ? triangle : nullptr;
+  }
+
+  // Returns the map. REQUIRES: BuildPointMap was called.
+  PointMap& GetMap() { return *m_pPointMap; }
+
+  // Makes every point slot free. Triangles and map stay, so that triangles point at free slots; the
+  // next AddPoint seeds anew.
+  void RemoveAllPoints();
+
+  // --- Location and heights -------------------------------------------------------------------
+
+  // Returns the triangle that holds `p` in plan, hidden ones included, or null. See
+  // Triangulator::Find.
+  TTriangle* GetTriangleWithPoint(TPoint const& p) const;
+
+  // Walks the straight line from the centroid of `start` to (x, y) and returns the triangle there.
+  // Null where `start` is null, where the target is that centroid exactly, and where the line
+  // leaves the mesh. `start` itself is never the answer.
+  TTriangle* FindTriangle(TTriangle* start, double x, double y) const;
+
+  // Returns the first live point equal to `p` on x, y and z, or null. A linear search.
+  TPoint* FindPoint(TPoint const& p) const;
+
+  // Returns the side whose infinite line passes nearest to `p`, over all triangles, hidden ones
+  // too; the earliest of equal ones; the null edge without triangles. A linear search.
+  TEdge GetNearestEdge(TPoint const& p);
+
+  // Sets `first` and `second` to the first two live triangles that have `edge` by value, null where
+  // there is none, and returns their number. A linear search.
+  int GetTrianglesWithEdge(TEdge const& edge, TTriangle*& first, TTriangle*& second) const;
+
+  // Sets `z` to the height of the surface at `p` and returns true. False, with `z` as it was,
+  // outside the data bounds, in a hidden triangle, and in one without plan area. A `triangle` that
+  // is handed in saves the location and is not checked for holding `p`.
+  bool GetZ(TPoint const& p, double& z, TTriangle* triangle) const;
+  bool GetZ(double x, double y, double& z) const;
+
+  // --- Insertion ------------------------------------------------------------------------------
+
+  // Adds a point and restores the Delaunay property. Returns the point in the pool, or the vertex
+  // that already stands within 0.001 in x and y, whose height stays; the slot taken for such a
+  // duplicate stays live, without triangles. Null, with nothing changed, outside the world box,
+  // where location fails, and on a full pool.
+  //
+  // New triangles are hidden by the data bounds as they were BEFORE this point widens them.
+  // REQUIRES: the pools exist.
+  TPoint* AddPoint(TPoint const& p);
+  TPoint* AddPoint(double x, double y, double z);
+
+  // Puts a point into the pool, to be triangulated later. Dropped where the pool is full.
+  // REQUIRES: Init.
+  void LoadPoint(double x, double y, double z);
+
+  // Triangulates the loaded points in random order: the fast way to build. Afterwards the live
+  // order of the points is random, with the four seed corners last. A duplicate stays in the pool
+  // without triangles. Always returns false. REQUIRES: Init, and no triangles yet.
+  bool Triangulate();
+
+  // Builds a surface from `points` in the order given, with world and data boxes of its own: the
+  // world box reaches 10 data widths below the data and 110 above. Always true.
+  bool Create(std::vector<IPoint>* points);
+
+  // --- Point map ------------------------------------------------------------------------------
+
+  // Builds the map from points to triangles anew. Always true.
+  bool BuildPointMap();
+
+  // Fills `result` with the vertices that share a triangle with `point`, each once, by the map.
+  // Returns true iff there are any. REQUIRES: BuildPointMap.
+  bool GetNeighbours(TPoint const* point, std::vector<TPoint*>& result) const;
+
+  // --- Files ----------------------------------------------------------------------------------
+
+  // Empties the surface and loads `path`. Always true, whatever the load did.
+  bool Create(wchar_t const* path);
+
+  // Loads by the last three characters of the name, in any case: "tin" native, "ttm" Trimble,
+  // anything else XYZ text. Returns true iff the file was loaded.
+  bool Load(wchar_t const* file);
+
+  // Saves by the last three characters of the name, in lower case only: "tin" native, anything else
+  // XYZ text. Note that a name in "TIN" loads as native and saves as text.
+  bool Save(wchar_t const* file) const;
+
+  // Loads a text of X,Y,Z or X Y Z triples in random order of insertion. True iff at least three
+  // triples were read. The first text that is no triple ends the reading. A failure leaves the
+  // pools as they were; one or two points overwrite the world box.
+  bool LoadXYZ(wchar_t const* file);
+
+  // Writes every live point as "x,y,z" with six decimals, except those that stand exactly where the
+  // seed corners do. True iff the file could be created.
+  bool SaveXYZ(wchar_t const* file) const;
+
+  // Loads a native file. Returns the number of live points; 0, with the surface empty, on failure.
+  // Queries need Load, which also seats the location.
+  int LoadTin(wchar_t const* file);
+
+  // Loads a Trimble terrain model. Returns the number of live points, 0 on failure.
+  int LoadTrimbleTinModel(wchar_t const* file);
+
+  // Writes a native file of the current version.
+  bool SaveTin(wchar_t const* file) const;
+
+ protected:
+  // Copies `triangle` into a slot, marks it TRI_OUTSIDE where a corner is outside the data bounds,
+  // and enters it into a map. Neighbours are left to the caller. REQUIRES: the pool is not full.
+  TTriangle* AddTriangle(TTriangle const& triangle);
+
+  // Cuts `triangle` off from its neighbours and takes it out of a map; with `release`, gives its
+  // slot back in the way of TArray::Remove. Its own fields stay.
+  void RemoveTriangle(TTriangle* triangle, bool release);
+
+  // Sets `out` to where the ray from (x, y) along the unit vector (ux, uy) meets the segment from
+  // `a` to `b`, with the height between theirs. Returns false where it does not, or only at or
+  // behind the start. A segment on the ray's line answers true at the start.
+  static bool Intersect(double x, double y, double ux, double uy, TPoint* a, TPoint* b,
+                        TPoint& out);
+
+  TPoint m_WorldMin;
+  TPoint m_WorldMax;
+  TPoint m_Min;
+  TPoint m_Max;
+  CQelUnitCnv* m_pUnitConverter = nullptr;             // not owned
+  TArray<TPoint>* m_pPoints = nullptr;                 // owned
+  TArray<TTriangle>* m_pTriangles = nullptr;           // owned
+  mutable TTriangle* m_pLastTriangle = nullptr;        // in the pool; where TraverseFind starts
+  TArray<int>* m_pBorder = nullptr;                    // owned; positions of triangles (Trimble)
+  TArray<TArrayStartPoint>* m_pStartPoints = nullptr;  // owned (Trimble)
+  PointMap* m_pPointMap = nullptr;                     // owned; null until BuildPointMap
+  mutable Triangulator m_Triangulator;
+
+ private:
+  friend class TINFile;
+  friend class Triangulator;
+  friend class qeltin::detail::Cavity;
+  friend struct qeltin::testing::TINPeer;
+
+  // `p` stands in the pool; `start` is the triangle that holds it, or null to have it located.
+  TPoint* AddPoint(TPoint* p, TTriangle* start);
+  bool Seed();
+
+  // Adds the points in random order through the public AddPoint, in rounds that each follow a
+  // space-filling curve. `points` is left in some other order.
+  void InsertInRandomOrder(std::vector<TPoint>& points);
+
+  TTriangle* TraverseFind(TPoint const& p, int budget) const;
+  void GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result);
+
+  void ResetToEmptyBoxes();
+
+  // Replaces both pools by empty ones of these capacities. Map entries and m_pLastTriangle go with
+  // the old ones, and the location holds no pool until it is seated.
+  void MakePools(long long points, long long triangles);
+  void DropPools();
+
+  // Seats the location on the present triangle pool and reseeds the C random generator.
+  void SeatTriangulator();
+
+  bool m_bOwnsTrimbleArrays = true;  // false in a copy, which shares them
+
+  // True while the triangles are known to tile the seed rectangle: every one strictly clockwise,
+  // neighbours mutual, no two vertices in one place. Insertion then needs no comparison of points
+  // by value, and a point strictly inside a triangle lies in no other.
+  bool m_bTiling = false;
+
+  // While m_bTiling: the bound of detail::SideErrorWithin for the seed rectangle.
+  double m_dSideError = 0.0;
+
+  std::unique_ptr<qeltin::detail::Cavity> m_pCavity;  // working data of an insertion, kept
+};

@@ -1,0 +1,212 @@
+#include "qeltin/tin/Triangulator.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+#include "qeltin/kernel/SideTest.h"
+#include "qeltin/tin/LocationIndex.h"
+#include "qeltin/tin/TIN.h"
+
+using qeltin::detail::LocationIndex;
+
+namespace {
+
+constexpr int CHEAP_WALK = 20;          // steps that a query may cost before it counts as far
+constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
+constexpr double FAR_RADII_SQ = 25.0;   // beyond 5 circumradii the index is asked first
+
+// Returns true iff `p` is certainly to the right of every side.
+bool IsCertainlyInside(TTriangle const& t, TPoint const& p) {
+  using qeltin::detail::CertainSide;
+  using qeltin::detail::Side;
+  return CertainSide(*t.m_pVertex[0], *t.m_pVertex[1], p) == Side::Right &&
+         CertainSide(*t.m_pVertex[1], *t.m_pVertex[2], p) == Side::Right &&
+         CertainSide(*t.m_pVertex[2], *t.m_pVertex[0], p) == Side::Right;
+}
+
+bool LeadsOut(TTriangle const& t, TPoint const& p) {
+  int const side = t.WhereTri(p);
+  return side != 3 && t.m_pAdjacent[side] == nullptr;
+}
+
+}  // namespace
+
+Triangulator::Triangulator() = default;
+Triangulator::~Triangulator() = default;
+
+void Triangulator::Seat(TIN* tin, TArray<TTriangle>* triangles) {
+  m_pTin = tin;
+  m_pTriangles = triangles;
+  m_pCurrent = nullptr;
+  m_iBest = 0;
+  m_pIndex.reset();
+  m_iIndexed = 0;
+  m_iLongSteps = 0;
+}
+
+TTriangle* Triangulator::Find(TPoint const& p) {
+  if (m_pTriangles == nullptr) return nullptr;
+  if (m_pCurrent == nullptr) {
+    if (m_pTriangles->m_iCount <= 0) return nullptr;
+    m_pCurrent = m_pTriangles->At(0);
+  }
+  if (m_pIndex != nullptr && m_pTin->m_bTiling) {
+    if (TTriangle* const found = FindFar(p)) return found;
+  }
+  if (Walk(p, CHEAP_WALK) != nullptr) return m_pCurrent;  // not what the walk returned
+  if (m_pTin->m_pStartPoints != nullptr && m_pTin->m_pStartPoints->m_iCount > 0) {
+    return FindByStartPoints(p);
+  }
+  if (TTriangle* const found = FindByIndex(p)) return found;
+  if (m_pTin->m_bTiling && LeadsOut(*m_pCurrent, p)) return nullptr;  // a sample would not help
+  return FindBySample(p);
+}
+
+TTriangle* Triangulator::Walk(TPoint const& p, int budget) {
+  int steps = 0;
+  return Walk(p, budget, steps);
+}
+
+TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
+  TTriangle* current = m_pCurrent;
+  TTriangle* previous = nullptr;
+  for (steps = 0; steps < budget; ++steps) {
+    int const side = current->WhereTri(p);
+    if (side == 3) {
+      m_pCurrent = current;
+      return current;
+    }
+    TTriangle* const next = current->m_pAdjacent[side];
+    if (next == nullptr) return nullptr;
+    if (next != previous) {
+      previous = current;
+      current = next;
+      continue;
+    }
+    // About to go straight back. m_pCurrent stays where the walk began.
+    if (current->XY_HasPoint(p)) return current;
+    if (previous->XY_HasPoint(p)) return previous;
+    current = m_pTriangles->At(RandomPosition());
+  }
+  return nullptr;
+}
+
+TTriangle* Triangulator::FindNext(TPoint const& p) {
+  using qeltin::detail::SideFan;
+  if (m_pCurrent == nullptr) return nullptr;
+  SideFan const seen(p, m_pTin->m_dSideError);
+  TTriangle* current = m_pCurrent;
+  int entry = 3;
+  for (int steps = m_pTriangles->m_iCount; steps > 0; --steps) {
+    int exit = 3;
+    bool inside = true;
+    for (int side = 0; side < 3; ++side) {
+      if (side == entry) continue;
+      TPoint const& from = *current->m_pVertex[side];
+      TPoint const& to = *current->m_pVertex[side == 2 ? 0 : side + 1];
+      if (seen.IsCertainlyClockwise(from, to)) continue;
+      inside = false;
+      if (!seen.IsCertainlyClockwise(to, from)) continue;
+      exit = side;
+      break;
+    }
+    if (exit == 3) {
+      m_pCurrent = current;
+      return inside ? current : nullptr;
+    }
+    TTriangle* const next = current->m_pAdjacent[exit];
+    if (next == nullptr) break;
+    entry = current->TriSide(exit);
+    current = next;
+  }
+  m_pCurrent = current;
+  return nullptr;
+}
+
+// A query far from the last one, on a sound structure: the walk from there would end in the
+// triangle that has `p` strictly inside, if it ended within its steps.
+TTriangle* Triangulator::FindFar(TPoint const& p) {
+  double const dx = p.x - m_pCurrent->m_CentreX;
+  double const dy = p.y - m_pCurrent->m_CentreY;
+  if (!(dx * dx + dy * dy > FAR_RADII_SQ * m_pCurrent->m_RadiusSq)) return nullptr;
+
+  TTriangle* const before = m_pCurrent;
+  m_pCurrent = m_pIndex->Near(p);
+  TTriangle* const found = Walk(p, CHEAP_WALK);
+  if (found != nullptr && found == m_pCurrent && IsCertainlyInside(*found, p)) return found;
+  m_pCurrent = before;
+  return nullptr;
+}
+
+// Walks as far as it takes from the indexed triangle nearest to `p`, or from the present one while
+// there is no index.
+TTriangle* Triangulator::FindByIndex(TPoint const& p) {
+  int const count = m_pTriangles->m_iCount;
+  if (IndexPays()) {
+    m_pIndex = std::make_unique<LocationIndex>(*m_pTriangles, m_pTin->m_Min, m_pTin->m_Max);
+    m_iIndexed = count;
+    m_iLongSteps = 0;
+  }
+  if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p);
+  int steps = 0;
+  TTriangle* const found = Walk(p, count, steps);
+  m_iLongSteps += steps;
+  return found;
+}
+
+// Returns true iff the pool has doubled since the index was built, if ever, and the walks since
+// then have cost as much as building it.
+bool Triangulator::IndexPays() const {
+  int const count = m_pTriangles->m_iCount;
+  return count >= SMALLEST_INDEXED && count / 2 >= m_iIndexed && m_iLongSteps > count;
+}
+
+TTriangle* Triangulator::FindBySample(TPoint const& p) {
+  int const count = m_pTriangles->m_iCount;
+  int const points = m_pTin->GetNumberOfPoints();
+  TPoint const& min = m_pTin->m_Min;
+  TPoint const& max = m_pTin->m_Max;
+  double const spacing =
+      ((min.x - max.x) * (min.x - max.x) + (min.y - max.y) * (min.y - max.y)) / points;
+  m_iSamples = count < 50 ? count : count / 5;
+  m_dBest = 9e20;
+  for (int i = 0; i < m_iSamples; ++i) {
+    TTriangle const& t = *m_pTriangles->At(RandomPosition());
+    m_dDeltaX = (t.m_pVertex[0]->x + t.m_pVertex[1]->x + t.m_pVertex[2]->x) / 3.0 - p.x;
+    m_dDeltaY = (t.m_pVertex[0]->y + t.m_pVertex[1]->y + t.m_pVertex[2]->y) / 3.0 - p.y;
+    m_dDistSq = m_dDeltaX * m_dDeltaX + m_dDeltaY * m_dDeltaY;
+    if (m_dBest > m_dDistSq) {
+      m_dBest = m_dDistSq;
+      m_iBest = i;  // the round, not the position that was sampled
+    }
+    if (spacing >= m_dBest) break;
+  }
+  m_pCurrent = m_pTriangles->At(m_iBest);
+  return Walk(p, count);
+}
+
+TTriangle* Triangulator::FindByStartPoints(TPoint const& p) {
+  TArray<TArrayStartPoint> const& starts = *m_pTin->m_pStartPoints;
+  std::map<double, int> by_distance;
+  for (int i = 0; i < starts.m_iCount; ++i) {
+    TArrayStartPoint const& start = *starts.At(i);
+    double const dx = start.x - p.x;
+    double const dy = start.y - p.y;
+    by_distance[dx * dx + dy * dy] = start.triangle;
+  }
+  for (auto const& [distance, position] : by_distance) {
+    if (position < 0 || position >= m_pTriangles->m_iCount) continue;  // left from an earlier load
+    m_pCurrent = m_pTriangles->At(position);
+    if (TTriangle* const found = m_pTin->FindTriangle(m_pCurrent, p.x, p.y)) {
+      m_pCurrent = found;
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+int Triangulator::RandomPosition() const {
+  int const last = m_pTriangles->m_iCount - 1;  // never drawn, unless it is the only one
+  return last < 1 ? 0 : std::rand() % last;
+}

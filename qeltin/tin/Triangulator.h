@@ -1,0 +1,74 @@
+#pragma once
+
+#include <memory>
+
+#include "qeltin/kernel/TPoint.h"
+#include "qeltin/kernel/TTriangle.h"
+#include "qeltin/platform/Export.h"
+#include "qeltin/tin/TArray.h"
+
+class TIN;
+
+namespace qeltin::detail {
+class LocationIndex;
+}
+
+// The location object that a surface holds by value: it remembers the last triangle found, so that
+// queries near each other cost a few steps, and it knows where to look when the next one is far.
+//
+// Threads: every query writes, even one through a const surface. One thread at a time.
+class QELTIN_API Triangulator {
+ public:
+  Triangulator();
+  ~Triangulator();
+  Triangulator(Triangulator const&) = delete;
+  Triangulator& operator=(Triangulator const&) = delete;
+
+  // Takes the surface and its triangle pool, neither owned, and forgets every earlier place. Both
+  // must outlive the next Seat. A null pool leaves an object whose queries answer null.
+  void Seat(TIN* tin, TArray<TTriangle>* triangles);
+
+  // Returns the triangle that holds `p`, hidden ones included, or null where there is none.
+  //
+  // A walk of at most 20 steps from the last result comes first. Note that after a walk that was
+  // about to go straight back and ended in a triangle of that pair, the answer is where the walk
+  // BEGAN. Where that walk fails, an index over the pool, built once the cost of walking has come
+  // to that of building it, or a sample of the pool places a walk of any length.
+  TTriangle* Find(TPoint const& p);
+
+  // Walks from m_pCurrent towards `p`, in at most `budget` steps. Returns the triangle that holds
+  // `p`, and keeps it in m_pCurrent; or, where the walk was about to go straight back, the one of
+  // that pair that has `p`, with m_pCurrent as it was. Null where the budget runs out or the walk
+  // leaves the mesh, with m_pCurrent as it was.
+  // REQUIRES: m_pCurrent is not null.
+  TTriangle* Walk(TPoint const& p, int budget);
+
+  // As Find for bulk building, where chance decides which way a walk goes: walks from m_pCurrent
+  // and returns the triangle that certainly holds `p`, kept in m_pCurrent; or null, with m_pCurrent
+  // somewhere near, where only Find can tell.
+  // REQUIRES: a surface that tiles.
+  TTriangle* FindNext(TPoint const& p);
+
+  TIN* m_pTin = nullptr;                      // not owned
+  TArray<TTriangle>* m_pTriangles = nullptr;  // not owned
+  TTriangle* m_pCurrent = nullptr;            // where the next query starts
+  int m_iBest = 0;                            // sample search: the round of the best sample
+  double m_dBest = 0.0;                       // sample search: smallest squared distance so far
+  double m_dDistSq = 0.0;                     // sample search: that of the latest sample
+  int m_iSamples = 0;                         // sample search: rounds allowed
+  double m_dDeltaX = 0.0;                     // sample search: latest centroid less the point
+  double m_dDeltaY = 0.0;
+
+ private:
+  TTriangle* Walk(TPoint const& p, int budget, int& steps);
+  TTriangle* FindByIndex(TPoint const& p);
+  bool IndexPays() const;
+  TTriangle* FindBySample(TPoint const& p);
+  TTriangle* FindByStartPoints(TPoint const& p);
+  TTriangle* FindFar(TPoint const& p);
+  int RandomPosition() const;
+
+  std::unique_ptr<qeltin::detail::LocationIndex> m_pIndex;  // null until it pays
+  int m_iIndexed = 0;                                       // triangles when the index was built
+  long long m_iLongSteps = 0;                               // steps of long walks since then
+};
