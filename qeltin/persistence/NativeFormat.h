@@ -1,0 +1,32 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "qeltin/kernel/TPoint.h"
+#include "qeltin/kernel/TTriangle.h"
+
+// The native file, see docs/file-formats.md. Everything here breaks files in the field when it
+// changes.
+namespace qeltin::detail {
+
+static_assert(std::endian::native == std::endian::little, "records are copied as they are");
+static_assert(sizeof(TPoint) == 24 && sizeof(TTriangle) == 80, "these sizes stand in files");
+
+constexpr char NATIVE_MAGIC[12] = {'Q', 'E', 'L', '2', '0', '0', '0', ' ', 'T', 'I', 'N', '\0'};
+
+// What a loaded pool has free beyond the elements of the file.
+constexpr int POINT_MARGIN = 1000;
+constexpr int TRIANGLE_MARGIN = 2000;
+
+// The end of a triangle record of version 3.
+struct TriangleTail {
+  std::uint8_t flags = 0;
+  std::uint8_t unused = 0;  // carries no information
+};
+static_assert(sizeof(TriangleTail) == 2);
+
+constexpr std::int32_t NO_ORDINAL = -1;
+
+}  // namespace qeltin::detail
