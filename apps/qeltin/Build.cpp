@@ -1,0 +1,170 @@
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "apps/qeltin/DraftFile.h"
+#include "apps/qeltin/Failure.h"
+#include "apps/qeltin/Report.h"
+#include "apps/qeltin/StoredFile.h"
+#include "apps/qeltin/Surface.h"
+#include "apps/qeltin/SurfaceInput.h"
+
+namespace qeltin::cli {
+
+namespace {
+
+struct BuildOptions : InputOptions {
+  std::vector<std::string> inputs;
+  std::string output;
+  bool overwrite = false;
+  bool keep_order = false;
+  std::string bounds;
+  NumberStyle style;
+};
+
+class Stopwatch {
+ public:
+  // Returns the seconds since the last call.
+  double Lap() {
+    auto const now = std::chrono::steady_clock::now();
+    std::chrono::duration<double> const lap = now - std::exchange(m_Last, now);
+    return lap.count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point m_Last = std::chrono::steady_clock::now();
+};
+
+struct BuildResult {
+  long long read = 0;
+  long long outside = 0;  // of --bounds
+  SurfaceFacts facts;
+  double seconds_read = 0.0;
+  double seconds_build = 0.0;
+  double seconds_write = 0.0;
+
+  long long Duplicates() const { return read - outside - facts.vertices; }
+};
+
+std::optional<Box> ParseBounds(BuildOptions const& options) {
+  if (options.bounds.empty()) return {};
+  double n[4];
+  ParseNumbers(options.bounds, n, 4);
+  if (n[0] >= n[2] || n[1] >= n[3]) {
+    throw UsageFailure("--bounds: X1 must be below X2, and Y1 below Y2");
+  }
+  return Box{{n[0], n[1]}, {n[2], n[3]}};
+}
+
+std::vector<IPoint> ReadInputs(BuildOptions const& options, std::optional<Box> const& bounds,
+                               BuildResult& result) {
+  std::vector<IPoint> points;
+  for (std::string const& name : options.inputs) AppendPoints(name, options, points);
+  result.read = static_cast<long long>(points.size());
+  if (bounds) {
+    result.outside = static_cast<long long>(
+        std::erase_if(points, [&bounds](IPoint const& p) { return !bounds->Has(p); }));
+  }
+  return points;
+}
+
+std::unique_ptr<TIN> Build(std::vector<IPoint> const& points, std::optional<Box> const& bounds,
+                           BuildOptions const& options, BuildResult& result) {
+  std::string const name = options.inputs.size() == 1 ? options.inputs[0] : options.output;
+  std::string const why = WhyNoSurface(points);
+  if (!why.empty() && result.outside > 0) {
+    throw Failure(name, std::to_string(result.outside) + " of " + std::to_string(result.read) +
+                            " points lie outside the bounds: " + why);
+  }
+  if (!why.empty()) throw Failure(name, why);
+
+  std::unique_ptr<TIN> tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
+  result.facts = FactsOf(*tin);
+  if (result.facts.visible_triangles == 0) {
+    throw Failure(name, "the points span no area: no triangle is visible");
+  }
+  return tin;
+}
+
+void Tell(BuildOptions const& options, BuildResult const& result) {
+  SurfaceFacts const& facts = result.facts;
+  if (options.json) {
+    PrintResult(Dump({{"file", options.output},
+                      {"points_read", result.read},
+                      {"points_in_surface", facts.vertices},
+                      {"duplicates", result.Duplicates()},
+                      {"refused", result.outside},
+                      {"triangles", facts.triangles},
+                      {"visible_triangles", facts.visible_triangles},
+                      {"bounds", ToJson(facts.bounds, options.style)},
+                      {"world_bounds", ToJson(facts.world_bounds, options.style)},
+                      {"seconds",
+                       {{"read", result.seconds_read},
+                        {"build", result.seconds_build},
+                        {"write", result.seconds_write}}}}));
+    return;
+  }
+  if (options.quiet) return;
+  Report report(options.style);
+  report.Add("points read", result.read);
+  report.Add("points in surface", facts.vertices);
+  report.Add("duplicates", result.Duplicates());
+  if (result.outside > 0) report.Add("outside the bounds", result.outside);
+  report.Add("triangles", facts.triangles);
+  report.Add("visible triangles", facts.visible_triangles);
+  report.Add("bounds", facts.bounds);
+  PrintResult(report.Text());
+}
+
+void Run(BuildOptions const& options) {
+  std::optional<Box> const bounds = ParseBounds(options);
+  if (KindByName(options.output) != FileKind::NATIVE) {
+    throw UsageFailure("-o " + Quoted(options.output) + ": the name of a surface ends in .tin");
+  }
+  DraftFile draft(options.output, options.overwrite);
+
+  BuildResult result;
+  Stopwatch watch;
+  std::vector<IPoint> const points = ReadInputs(options, bounds, result);
+  result.seconds_read = watch.Lap();
+  std::unique_ptr<TIN> const tin = Build(points, bounds, options, result);
+  result.seconds_build = watch.Lap();
+  SaveSurface(*tin, draft.WorkingName(), options.output);
+  draft.Commit();
+  result.seconds_write = watch.Lap();
+  Tell(options, result);
+}
+
+}  // namespace
+
+void AddBuild(CLI::App& application) {
+  auto const options = std::make_shared<BuildOptions>();
+  CLI::App* const command = application.add_subcommand("build", "Build a surface from points");
+  command
+      ->add_option("inputs", options->inputs,
+                   "XYZ texts (- is standard input) and stored surfaces,\n"
+                   "whose points are taken")
+      ->required()
+      ->type_name("FILE");
+  command->add_option("-o,--output", options->output, "The surface to write; its name ends in .tin")
+      ->required()
+      ->type_name("FILE");
+  command->add_flag("--overwrite", options->overwrite, "Replace an output that exists");
+  command->add_flag("--keep-order", options->keep_order,
+                    "Insert the points in the order of the files: the\n"
+                    "same bytes on every run");
+  command
+      ->add_option("--bounds", options->bounds,
+                   "Leave out the points outside this box, and give it to\n"
+                   "the surface as its bounds")
+      ->check(NumberList(4, "X1,Y1,X2,Y2"))
+      ->type_name("X1,Y1,X2,Y2");
+  AddPrecision(*command, options->style);
+  options->AddTo(*command);
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace qeltin::cli

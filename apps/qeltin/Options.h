@@ -1,0 +1,36 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "apps/qeltin/Numbers.h"
+
+namespace qeltin::cli {
+
+// What every command knows.
+struct CommonOptions {
+  bool json = false;
+  bool quiet = false;
+
+  void AddTo(CLI::App& command);
+
+  // Writes a line to standard error unless --quiet.
+  void Note(std::string const& line) const;
+};
+
+// Adds --precision.
+void AddPrecision(CLI::App& command, NumberStyle& style);
+
+// Accepts `count` numbers separated by commas, e.g. 1.5,-2; `form` names them in help and messages.
+CLI::Validator NumberList(int count, std::string const& form);
+
+// Prints `text` and a line end on standard output. Throws Failure where that fails.
+void PrintResult(std::string const& text);
+
+// The commands. Each adds itself to the application and runs from its callback.
+void AddSample(CLI::App& application);
+void AddBuild(CLI::App& application);
+void AddInfo(CLI::App& application);
+void AddHeight(CLI::App& application);
+
+}  // namespace qeltin::cli

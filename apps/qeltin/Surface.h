@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "qeltin/tin/TIN.h"
+
+namespace qeltin::cli {
+
+// A box in plan.
+struct Box {
+  TPoint min;
+  TPoint max;
+
+  bool Has(IPoint const& p) const {
+    return p.x >= min.x && p.x <= max.x && p.y >= min.y && p.y <= max.y;
+  }
+};
+
+// What there is to tell about a surface.
+struct SurfaceFacts {
+  int points = 0;       // live, seed corners included
+  int data_points = 0;  // live, without the seed corners
+  int vertices = 0;     // data points that are corners of a triangle
+  int triangles = 0;    // live, hidden ones included
+  int visible_triangles = 0;
+  Box bounds;  // data bounds
+  Box world_bounds;
+  double lowest = 0.0;  // corners of visible triangles; 0 without any
+  double highest = 0.0;
+  double area = 0.0;  // of the visible triangles, in plan
+};
+
+SurfaceFacts FactsOf(TIN const& tin);
+
+// Returns true iff `p` stands exactly where a corner of the seed rectangle does.
+bool IsSeedCorner(TPoint const& p, Box const& world);
+
+// Builds the surface of `points`, in random order, which is the fast way, or in the order given,
+// which leads to the same surface bit by bit on every run. The data bounds are `bounds`, or else
+// those of the points. Shows its progress unless `quiet`. Throws std::bad_alloc.
+// REQUIRES: WhyNoSurface has nothing to say; the points lie inside `bounds`.
+std::unique_ptr<TIN> BuildSurface(std::vector<IPoint> const& points, bool keep_order,
+                                  std::optional<Box> const& bounds, bool quiet);
+
+// Returns why no surface can be made of `points`, in words that follow "FILE: ", or an empty text.
+// Fewer than three, all within 0.001 of one place or of one line, coordinates that overflow where
+// they are multiplied, or more than the library can number.
+std::string WhyNoSurface(std::vector<IPoint> const& points);
+
+}  // namespace qeltin::cli

@@ -1,0 +1,112 @@
+#include <fstream>
+#include <regex>
+#include <set>
+
+#include "apps/qeltin/CommandTest.h"
+
+namespace qeltin::cli::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class Usage : public CommandTest {};
+
+TEST_F(Usage, HelpGoesToStandardOutput) {
+  for (std::string const command : {"", "sample", "build", "info", "height"}) {
+    for (std::string const flag : {"-h", "--help"}) {
+      Ran const ran =
+          MustRun(command.empty() ? std::vector{flag} : std::vector<std::string>{command, flag});
+      EXPECT_THAT(ran.out, HasSubstr("Usage: qeltin"));
+      EXPECT_EQ(ran.err, "");
+    }
+  }
+}
+
+TEST_F(Usage, VersionIsThatOfTheLibrary) {
+  EXPECT_EQ(MustRun({"--version"}).out, "qeltin " QELTIN_VERSION "\n");
+}
+
+TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
+  m_Folder.Put("s.xyz", "0 0 1\n1 0 1\n0 1 1\n");
+  std::vector<std::vector<std::string>> const mistakes = {
+      {},
+      {"bogus"},
+      {"--bogus"},
+      {"sample", "--points", "0"},
+      {"sample", "--points", "many"},
+      {"sample", "--points", "-5"},
+      {"sample", "--seed", "x"},
+      {"sample", "--pattern", "spiral"},
+      {"sample", "extra"},
+      {"sample", "-o"},
+      {"sample", "--json"},
+      {"build"},
+      {"build", "s.xyz"},
+      {"build", "-o", "s.tin"},
+      {"build", "s.xyz", "-o", "s.xyz", "--overwrite"},
+      {"build", "s.xyz", "-o", "s"},
+      {"build", "s.xyz", "-o", ""},
+      {"build", "s.xyz", "-o", "s.tin", "--bounds", "0,0,1"},
+      {"build", "s.xyz", "-o", "s.tin", "--bounds", "0,0,1,1,1"},
+      {"build", "s.xyz", "-o", "s.tin", "--bounds", "0,0,0,1"},
+      {"build", "s.xyz", "-o", "s.tin", "--bounds", "0,1,1,0"},
+      {"build", "s.xyz", "-o", "s.tin", "--precision", "18"},
+      {"info"},
+      {"info", "s.xyz", "s.xyz"},
+      {"info", "s.xyz", "--precision", "-1"},
+      {"height"},
+      {"height", "s.xyz"},
+      {"height", "s.xyz", "--at"},
+      {"height", "s.xyz", "--at", "1"},
+      {"height", "s.xyz", "--at", "1,2,3"},
+      {"height", "s.xyz", "--at", "1,x"},
+      {"height", "s.xyz", "--at", "1,nan"},
+      {"height", "s.xyz", "--at", "1,2", "3,4"},
+      {"height", "s.xyz", "--at", "1,2", "--points", "s.xyz"},
+  };
+  for (auto const& arguments : mistakes) {
+    Ran const ran = Run(arguments);
+    EXPECT_EQ(ran.status, 2) << ::testing::PrintToString(arguments);
+    EXPECT_THAT(ran.err, StartsWith("qeltin: error: "));
+    EXPECT_EQ(ran.out, "");
+  }
+  EXPECT_EQ(m_Folder.Entries(), 1);
+}
+
+// Returns every word of the text that starts with --.
+std::set<std::string> LongOptions(std::string const& text) {
+  std::set<std::string> options;
+  std::regex const option("--[a-z][a-z-]*");
+  for (std::sregex_iterator it(text.begin(), text.end(), option), end; it != end; ++it) {
+    options.insert(it->str());
+  }
+  return options;
+}
+
+TEST_F(Usage, TheManualTellsEveryOption) {
+  std::ifstream manual(QELTIN_DATA_DIR "/../../docs/man/qeltin.1");
+  std::string const text{std::istreambuf_iterator<char>(manual), {}};
+  ASSERT_NE(text, "");
+  for (std::string const command : {"sample", "build", "info", "height"}) {
+    for (std::string const& option : LongOptions(MustRun({command, "--help"}).out)) {
+      EXPECT_THAT(text, HasSubstr("Fl " + option.substr(1))) << command;
+    }
+  }
+}
+
+TEST_F(Usage, AFileMayBeNamedLikeACommand) {
+  m_Folder.Put("info", "0 0 1\n1 0 1\n0 1 1\n");
+  EXPECT_EQ(MustRun({"info", "info", "--json"}).Json()["points"], 3);
+}
+
+TEST_F(Usage, AClosedStandardStreamIsNotTakenForAFile) {
+  m_Folder.Put("s.xyz", "0 0 1\n1 0 1\n0 1 1\n");
+  Ran const ran = Qeltin({"build", "s.xyz", "-o", "s.tin", "-q"}).OutTo(-1).Run();
+  EXPECT_EQ(ran.status, 0) << ran.err;
+  EXPECT_THAT(m_Folder.Get("s.tin"), StartsWith("QEL2000 TIN"));
+  ExpectError(Qeltin({"info", "s.xyz"}).OutTo(-1).Run(), "standard output: Bad file descriptor");
+}
+
+}  // namespace
+}  // namespace qeltin::cli::testing
