@@ -1,0 +1,39 @@
+// Builds a surface.
+//   triangulate  Init, LoadPoint for every point, Triangulate
+//   create       Create, in the order of the input
+#include "bench/BuildSurface.h"
+#include "bench/Measurement.h"
+
+using namespace qeltin::bench;
+
+namespace {
+
+[[gnu::noinline]] void CreateSurface(TIN& tin, std::vector<IPoint>& points) { tin.Create(&points); }
+
+int VisibleTriangles(TIN const& tin) {
+  int visible = 0;
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    if (tin.GetTriangle(i, false) != nullptr) ++visible;
+  }
+  return visible;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Task const task = ParseTask(argc, argv, {"triangulate", "create"});
+  std::vector<IPoint> points = MakeSurveyInput(task.input, task.size);
+
+  Measurement measurement;
+  TIN tin;
+  measurement.Start();
+  if (task.work == "triangulate") {
+    BuildSurface(tin, points);
+  } else {
+    CreateSurface(tin, points);
+  }
+  measurement.Stop();
+
+  measurement.AddFact("triangles", VisibleTriangles(tin));
+  measurement.Report(task);
+}

@@ -1,0 +1,53 @@
+// As many bytes as native_file writes for this input, out of memory to the disk and back in one
+// call each: what the system alone takes.
+#include <cstdio>
+#include <vector>
+
+#include "bench/Measurement.h"
+#include "bench/ScratchFile.h"
+
+using namespace qeltin::bench;
+
+namespace {
+
+constexpr double BYTES_A_POINT = 24.0 + 2 * 26.0;  // and its two triangles
+
+[[gnu::noinline]] void SaveBytes(std::vector<char> const& bytes, ScratchFile const& file) {
+  std::FILE* const stream = std::fopen(file.Name(), "w");
+  if (stream == nullptr) return;
+  std::fwrite(bytes.data(), 1, bytes.size(), stream);
+  std::fclose(stream);
+  file.Sync();
+}
+
+[[gnu::noinline]] void LoadBytes(std::vector<char>& bytes, ScratchFile const& file) {
+  std::FILE* const stream = std::fopen(file.Name(), "r");
+  if (stream == nullptr) return;
+  bytes.resize(static_cast<std::size_t>(file.Size()));
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream));
+  std::fclose(stream);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Task const task = ParseTask(argc, argv, {"save", "load"});
+  ScratchFile const file("bytes");
+  std::vector<char> bytes(static_cast<std::size_t>(BYTES_A_POINT * task.size), 'x');
+  if (task.work == "load") {
+    SaveBytes(bytes, file);
+    bytes = std::vector<char>();
+  }
+
+  Measurement measurement;
+  measurement.Start();
+  if (task.work == "save") {
+    SaveBytes(bytes, file);
+  } else {
+    LoadBytes(bytes, file);
+  }
+  measurement.Stop();
+
+  measurement.AddFact("file_bytes", file.Size());
+  measurement.Report(task);
+}
