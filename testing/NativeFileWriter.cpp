@@ -55,7 +55,7 @@ std::string Keyed(int version, NativeModel const& model, NativeKeys const& keys)
     }
     if (version == 2) {
       out.Put(t.flags);
-      out.Put('\xCC');
+      out.Put(t.reserved);
     }
   }
   return out.Take();
@@ -86,7 +86,8 @@ void PutTriangleSlot(Bytes& out, NativeTriangle const& t, NativePools const& poo
     out.Put(a == -1 ? 0 : pools.triangleAddress + TRIANGLE_SLOT * slot);
   }
   out.Put(t.flags);
-  for (int i = 0; i < 7; ++i) out.Put('\xCC');
+  out.Put(t.reserved);
+  for (int i = 0; i < 6; ++i) out.Put('\xCC');
   for (double const value : t.circle) out.Put(value);
 }
 
@@ -117,6 +118,7 @@ NativeModel ModelOf(TIN const& tin) {
       to.adjacent[k] = PositionOf<TTriangle>(triangles, t.m_pAdjacent[k]);
     }
     to.flags = t.m_Flags;
+    to.reserved = t.m_Reserved;
     to.circle[0] = t.m_CentreX;
     to.circle[1] = t.m_CentreY;
     to.circle[2] = t.m_RadiusSq;
@@ -131,8 +133,8 @@ NativeModel SquareModel() {
   model.worldMin = TPoint(-10.5, -20.25, -30);
   model.worldMax = TPoint(10.5, 20.25, 30);
   model.points = {TPoint(0, 0, -9), TPoint(0, 1, 9), TPoint(1, 1, 4), TPoint(1, 0, 2.5)};
-  model.triangles = {{{0, 1, 2}, {-1, -1, 1}, 0x41, {0.5, 0.5, 0.75}},
-                     {{0, 2, 3}, {0, -1, -1}, 0x02, {0.25, 0.5, 8.5}}};
+  model.triangles = {{{0, 1, 2}, {-1, -1, 1}, 0x41, 0, {0.5, 0.5, 0.75}},
+                     {{0, 2, 3}, {0, -1, -1}, 0x02, 0, {0.25, 0.5, 8.5}}};
   return model;
 }
 
@@ -202,7 +204,7 @@ std::string NativeVersion3(NativeModel const& model) {
     for (std::int32_t c : t.corners) out.Put(c);
     for (std::int32_t a : t.adjacent) out.Put(a);
     out.Put(t.flags);
-    out.Put('\0');
+    out.Put(t.reserved);
   }
   return out.Take();
 }

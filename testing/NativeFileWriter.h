@@ -16,7 +16,8 @@ struct NativeTriangle {
   std::int32_t corners[3] = {};
   std::int32_t adjacent[3] = {-1, -1, -1};  // -1 for none
   unsigned char flags = 0;
-  double circle[3] = {};  // centre x, centre y, squared radius: version 0 only
+  unsigned char reserved = 0;  // the byte after the flags: all versions but 1
+  double circle[3] = {};       // centre x, centre y, squared radius: version 0 only
 };
 
 // What a file is to hold; corners and neighbours are positions in these lists.

@@ -62,7 +62,13 @@ struct SideProduct {
     return Side::Uncertain;
   }
 
-  // True iff P fails the test of TTriangle::WhereTri, beyond the band.
+  // True only where P passes the test of TTriangle::WhereTri by more than the band, so that the
+  // same side in the other direction certainly fails it.
+  bool PassesBeyondBand() const {
+    return bound < SIDE_CEILING && offset > bound + SIDE_BAND * (1.0 + 1e-10) * length;
+  }
+
+  // True only where P certainly fails the test of TTriangle::WhereTri.
   bool CertainlyFails() const {
     return bound < SIDE_CEILING && offset < -(bound + SIDE_BAND * (1.0 + 1e-10) * length);
   }

@@ -61,7 +61,7 @@ class QELTIN_API TEdge {
   // `t` is not limited to 0..1, and the extent of `other` plays no part.
   bool XY_Intersect(TEdge const& other, double& t) const;
 
-  // Returns the direction from start to end in [0, 2 pi), or -1 for an edge of no length.
+  // Returns the direction from start to end, from 0 to 2 pi, or -1 for an edge of no length.
   double XY_Angle() const { return (*m_pEnd - *m_pStart).XY_Angle(); }
 
   // Returns the distance from `p` to the infinite line through the edge. An edge of no length

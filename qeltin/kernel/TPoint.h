@@ -62,15 +62,16 @@ class QELTIN_API TPoint {
 
   double XY_DotProduct(TPoint const& o) const { return x * o.x + y * o.y; }
 
-  // Returns the direction of this vector in [0, 2 pi), or -1 for the null vector.
+  // Returns the direction of this vector from 0 to 2 pi, or -1 for the null vector. 2 pi itself is
+  // the answer just below the x axis, where rounding takes it there.
   double XY_Angle() const;
 
   // Returns the angle from this vector to `other`, folded by its sine: an obtuse turn answers the
-  // acute one of the same sine, so that the result lies in [0, pi/2] or [3 pi/2, 2 pi). A null
+  // acute one of the same sine, so that the result lies in [0, pi/2] or [3 pi/2, 2 pi]. A null
   // vector on either side answers -1. Not-a-number where rounding takes the sine past 1.
   double XY_Angle(TPoint const& other) const;
 
-  // Returns the direction from this point to `other` in [0, 2 pi); 3 pi/2 where they coincide.
+  // Returns the direction from this point to `other`, from 0 to 2 pi; 3 pi/2 where they coincide.
   double PolarDir(TPoint const& other) const;
 };
 

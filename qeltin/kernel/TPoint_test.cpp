@@ -224,6 +224,12 @@ TEST(TPoint, DirectionRunsCounterClockwiseThroughTheQuadrants) {
   EXPECT_EQ(TPoint(1, -2).XY_Angle(), std::atan(-2.0) + TWO_PI);
 }
 
+TEST(TPoint, DirectionJustBelowTheXAxisRoundsToAWholeTurn) {
+  EXPECT_EQ(TPoint(1, -1e-20).XY_Angle(), TWO_PI);
+  EXPECT_EQ(TPoint(0, 0).PolarDir(TPoint(1, -1e-20)), TWO_PI);
+  EXPECT_EQ(TPoint(1, 0).XY_Angle(TPoint(1, -1e-20)), TWO_PI);
+}
+
 double DirectionByFormula(TPoint const& v) {
   if (v.x == 0 && v.y == 0) return -1.0;
   if (v.x == 0) return v.y > 0 ? HALF_PI : THREE_HALVES_PI;

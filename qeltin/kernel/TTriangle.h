@@ -35,6 +35,7 @@ class QELTIN_API TTriangle {
   TPoint* m_pVertex[3] = {};
   TTriangle* m_pAdjacent[3] = {};  // null where there is none
   unsigned char m_Flags = 0;       // TRI_ bits
+  unsigned char m_Reserved = 0;    // the byte after the flags in files; carried, no meaning
   unsigned char m_InHole = 0;      // scratch of an insertion, 0 at rest
   double m_CentreX = 0.0;          // circumcircle, kept by CalcTri
   double m_CentreY = 0.0;
@@ -85,7 +86,7 @@ class QELTIN_API TTriangle {
   double Area() const;
 
   // Returns the circumradius from the corners, not from the cache, or the largest single-precision
-  // number where corners 0, 1 and 2 are in line.
+  // number where the sine of the angle at corner 2 is exactly 0.
   double XY_CircumcircleRadius() const;
 
   double XY_IncircleRadius() const;

@@ -20,10 +20,10 @@ constexpr char NATIVE_MAGIC[12] = {'Q', 'E', 'L', '2', '0', '0', '0', ' ', 'T', 
 constexpr int POINT_MARGIN = 1000;
 constexpr int TRIANGLE_MARGIN = 2000;
 
-// The end of a triangle record of version 3.
+// The end of a triangle record of versions 2 and 3.
 struct TriangleTail {
   std::uint8_t flags = 0;
-  std::uint8_t unused = 0;  // carries no information
+  std::uint8_t reserved = 0;  // carries no information
 };
 static_assert(sizeof(TriangleTail) == 2);
 

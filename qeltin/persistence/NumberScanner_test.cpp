@@ -3,11 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
+
+#include "testing/MakeSurvey.h"
 
 namespace {
 
 using qeltin::detail::NumberScanner;
+using qeltin::testing::Dice;
+using qeltin::testing::TestSeed;
 
 struct Scan {
   bool isNumber = false;
@@ -69,6 +75,24 @@ TEST(NumberScanner, DigitsBeyondMemoryStillRound) {
   EXPECT_EQ(ScanText(half + "." + std::string(5000, '0') + "1").value, 9007199254740994.0);
   EXPECT_EQ(ScanText("1" + std::string(5000, '0') + "e-5000").value, 1.0);
   EXPECT_EQ(ScanText("0." + std::string(5000, '0') + "1e5001").value, 1.0);
+}
+
+// The middle between two neighbouring small doubles has up to 767 digits, and every one counts.
+TEST(NumberScanner, TheLastOfManyDigitsDecides) {
+  Dice dice(TestSeed());
+  for (int i = 0; i < 300; ++i) {
+    double const low = std::ldexp(dice.Between(1, 2), -1022 + dice.Below(30));
+    double const high = std::nextafter(low, 1.0);
+    char text[1200];
+    std::snprintf(text, sizeof text, "%.1076Lf", (static_cast<long double>(low) + high) / 2);
+    std::string middle = text;
+    middle.erase(middle.find_last_not_of('0') + 1);
+    std::string below = middle;
+    --below.back();
+    EXPECT_EQ(ScanText(below + "9").value, low);
+    EXPECT_EQ(ScanText(middle).value, std::strtod(middle.c_str(), nullptr));
+    EXPECT_EQ(ScanText(middle + std::string(dice.Below(99), '0') + "1").value, high);
+  }
 }
 
 }  // namespace

@@ -130,6 +130,7 @@ TEST(TINFileDamage, AKeyedTriangleThatIsCutOffHasTheLastCornersAndNoNeighbours) 
   EXPECT_EQ(t.m_pVertex[1], l.tin.GetPoint(1));
   EXPECT_EQ(t.m_pVertex[2], l.tin.GetPoint(2));
   EXPECT_EQ(t.m_pAdjacent[0], nullptr);
+  EXPECT_EQ(t.m_pAdjacent[2], nullptr);  // the first triangle has one there
   EXPECT_EQ(t.m_Flags, 0);
   EXPECT_EQ(l.file.LastFault(), Fault::TRUNCATED);
 }

@@ -80,6 +80,7 @@ void TINFile::ReadKeyedTriangles(TIN& tin, std::int32_t count, bool flags) {
     if (flags) m_pFile->Read(&tail, sizeof tail);
     m_AdjacentKeys.insert(m_AdjacentKeys.end(), adjacent, adjacent + 3);
     t->m_Flags = tail.flags;
+    t->m_Reserved = tail.reserved;  // version 3 drops it here
     for (int k = 0; k < 3; ++k) SetCorner(*t, k, Find(m_mapPoints, corners[k]), *tin.m_pPoints);
     t->CalcTri();
   }

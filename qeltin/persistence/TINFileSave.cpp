@@ -50,7 +50,7 @@ void WriteTriangles(FileStream& out, TArray<TTriangle> const* pool, Ordinals<TPo
       ordinals[3 + k] = triangles.Of(t.m_pAdjacent[k]);
     }
     out.Write(ordinals, sizeof ordinals);
-    TriangleTail const tail = {t.m_Flags};
+    TriangleTail const tail = {t.m_Flags, t.m_Reserved};
     out.Write(&tail, sizeof tail);
   }
 }

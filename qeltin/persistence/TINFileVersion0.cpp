@@ -93,6 +93,7 @@ unsigned int TINFile::LoadVersion0(TIN& tin) {
   if (!CheckIndex(points, live) || !CheckIndex(triangles, live)) return Refuse(tin);
   for (int slot = 0; slot < triangles.m_iCapacity; ++slot) {
     TTriangle& t = triangles.m_pData[slot];
+    t.m_InHole = 0;
     bool const isLive = live[static_cast<std::size_t>(slot)];
     for (int k = 0; k < 3; ++k) {
       TTriangle* const adjacent = Slot(triangles, triangleStart, t.m_pAdjacent[k]);

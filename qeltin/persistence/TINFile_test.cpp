@@ -173,6 +173,16 @@ TEST(TINFile, TheSecondByteAfterATriangleIsDropped) {
   EXPECT_EQ(Saved(l.tin), NativeVersion3(SquareModel()));
 }
 
+TEST(TINFile, TheByteAfterTheFlagsIsCarriedFromVersions0And2IntoVersion3) {
+  NativeModel model = SquareModel();
+  model.triangles[0].reserved = 0xAB;
+  model.triangles[1].reserved = 0xCD;
+  EXPECT_EQ(Loaded(NativeFile(0, model)).Bytes(), NativeVersion3(model));
+  EXPECT_EQ(Loaded(NativeFile(2, model)).Bytes(), NativeVersion3(model));
+  Loaded const l(NativeVersion3(model));
+  EXPECT_EQ(l.tin.GetTriangle(0, true)->m_Reserved, 0);
+}
+
 TEST(TINFile, AVertexThatIsNoLongerLiveIsWrittenAsMinus1) {
   Loaded const l(NativeVersion3(SquareModel()));
   l.Points().Remove(l.tin.GetPoint(0));  // the last point takes its place

@@ -194,6 +194,7 @@ TEST(FileStream, AFolderCannotBeRead) {
   char buffer = '?';
   EXPECT_FALSE(stream.Read(&buffer, 1));
   EXPECT_EQ(stream.Error(), EISDIR);
+  EXPECT_FALSE(stream.RanOut());
 }
 
 TEST(FileStream, ReadsFromAPipe) {

@@ -155,8 +155,8 @@ void Cavity::Grow(TPoint const& p, TTriangle* start) {
 bool Cavity::CollectRim(TIN const& tin, TPoint* p) {
   m_Rim.resize(m_Triangles.size() * 3);
   RimEdge* edge = m_Rim.data();
-  SideFan const seen(*p, tin.m_dSideError);
-  bool certain = p->z == p->z;
+  SideFan const seen(*p, SideErrorWithin(tin.m_dReach));
+  bool certain = p->z == p->z && tin.IsWithinReach(*p);
   for (TTriangle* t : m_Triangles) {
     for (int side = 0; side < 3; ++side) {
       TTriangle* const outer = t->m_pAdjacent[side];
@@ -338,6 +338,7 @@ TTriangle* Cavity::TakeSlot(TIN& tin, TPoint* p, TPoint* a, TPoint* b) {
   } else {
     slot = tin.m_pTriangles->At(tin.m_pTriangles->m_iCount++);
   }
+  slot->m_Reserved = 0;
   slot->m_InHole = 0;
   slot->m_pVertex[0] = p;
   slot->m_pVertex[1] = a;

@@ -265,6 +265,19 @@ TEST(InsertionReferenceEdge, ASlotInUseThatIsTakenAsANewOneIsEqual) {
   EXPECT_EQ(twin.Fault(), "");
 }
 
+TEST(InsertionReferenceEdge, AHoleThatSwallowsVerticesLeavesMarkedTrianglesBehind) {
+  Twin twin;
+  twin.Init(107, TPoint(400000, 4900000, 0), TPoint(402000, 4902000, 0));
+  twin.AddPoint({400000, 4901000, 0.5});
+  twin.AddFrom({401000, 4902000, 0}, 3);
+  twin.AddPoint({401000, 4900000, 0.75});
+  twin.AddFrom({400000, 4902000, 1}, 2);
+  twin.AddFrom({400000, 4901000, 0}, 8);
+  twin.AddPoint({402000, 4901000, 0});
+  twin.AddFrom({400000, 4901000, 0.875}, 8);  // a marked triangle as the start
+  EXPECT_EQ(twin.Fault(), "");
+}
+
 TEST(InsertionReferenceEdge, PointsOnTheWorldBoxAndItsCornersAreEqual) {
   Dice dice(TestSeed());
   for (Place const& place : PLACES) {

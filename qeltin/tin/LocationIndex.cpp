@@ -59,8 +59,9 @@ int LocationIndex::AddGrid(std::vector<int> const& slots, TPoint const& min, TPo
   double const width = max.x - min.x;
   double const height = max.y - min.y;
   double const cells = std::max(1.0, static_cast<double>(slots.size()) / TRIANGLES_PER_CELL);
-  double const shape = width > 0.0 && height > 0.0 ? width / height : 1.0;
-  double const columns = std::clamp(std::sqrt(cells * shape), 1.0, cells);
+  double const shape = width / height;
+  double const columns =
+      std::isfinite(shape) && shape > 0.0 ? std::clamp(std::sqrt(cells * shape), 1.0, cells) : 1.0;
 
   Grid grid{};
   grid.columns = static_cast<int>(columns);

@@ -19,7 +19,7 @@ extern template class std::vector<TTriangle*>;
 class QELTIN_API PointMapNode {
  public:
   PointMapNode() = default;
-  explicit PointMapNode(TPoint const* point) : m_pPoint(point) {}
+  PointMapNode(TPoint const* point) : m_pPoint(point) {}
 
   // Compare the points by value on x, then y, then z, exactly. REQUIRES: both nodes are valid.
   bool operator==(PointMapNode const& other) const { return *m_pPoint == *other.m_pPoint; }

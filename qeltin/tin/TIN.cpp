@@ -59,7 +59,8 @@ bool TIN::Init(int points, TPoint const& min, TPoint const& max) {
   TPoint const high = max;
   Clear();
   constexpr int SEED_AND_MARGIN = 4 + 1000;
-  MakePools(points + SEED_AND_MARGIN + 0LL, (points + SEED_AND_MARGIN + 0LL) * 2);
+  long long const capacity = 0LL + points + SEED_AND_MARGIN;
+  MakePools(capacity, capacity * 2);
   SeatTriangulator();
   m_WorldMin = TPoint(low.x - 10 * (high.x - low.x), low.y - 10 * (high.y - low.y),
                       low.z - 10 * (high.z - low.z));
@@ -115,6 +116,7 @@ TTriangle* TIN::AddTriangle(TTriangle const& triangle) {
 
 void TIN::RemoveTriangle(TTriangle* triangle, bool release) {
   m_bTiling = false;
+  m_Triangulator.ForgetIndex();
   for (TTriangle* neighbour : triangle->m_pAdjacent) {
     if (neighbour == nullptr) continue;
     for (TTriangle*& back : neighbour->m_pAdjacent) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <deque>
 #include <memory>
 #include <vector>
@@ -139,7 +140,8 @@ class QELTIN_API TIN {
   // Adds a point and restores the Delaunay property. Returns the point in the pool, or the vertex
   // that already stands within 0.001 in x and y, whose height stays; the slot taken for such a
   // duplicate stays live, without triangles. Null, with nothing changed, outside the world box,
-  // where location fails, and on a full pool.
+  // where location fails, and on a full point pool. Null with the slot taken where the triangle
+  // pool is full, which only a surface from a file can come to.
   //
   // New triangles are hidden by the data bounds as they were BEFORE this point widens them.
   // REQUIRES: the pools exist.
@@ -245,6 +247,8 @@ class QELTIN_API TIN {
   TTriangle* TraverseFind(TPoint const& p, int budget) const;
   void GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result);
 
+  bool IsWithinReach(TPoint const& p) const { return std::fabs(p.x) + std::fabs(p.y) <= m_dReach; }
+
   void ResetToEmptyBoxes();
 
   // Replaces both pools by empty ones of these capacities. Map entries and m_pLastTriangle go with
@@ -262,8 +266,8 @@ class QELTIN_API TIN {
   // by value, and a point strictly inside a triangle lies in no other.
   bool m_bTiling = false;
 
-  // While m_bTiling: the bound of detail::SideErrorWithin for the seed rectangle.
-  double m_dSideError = 0.0;
+  // While m_bTiling: the largest |x| + |y| of the seed rectangle, and so of every vertex.
+  double m_dReach = 0.0;
 
   std::unique_ptr<qeltin::detail::Cavity> m_pCavity;  // working data of an insertion, kept
 };

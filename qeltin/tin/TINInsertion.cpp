@@ -64,9 +64,8 @@ bool TIN::Seed() {
 
   using qeltin::detail::CertainSide;
   using qeltin::detail::Side;
-  m_dSideError =
-      qeltin::detail::SideErrorWithin(std::max(std::fabs(m_WorldMin.x), std::fabs(m_WorldMax.x)) +
-                                      std::max(std::fabs(m_WorldMin.y), std::fabs(m_WorldMax.y)));
+  m_dReach = std::max(std::fabs(m_WorldMin.x), std::fabs(m_WorldMax.x)) +
+             std::max(std::fabs(m_WorldMin.y), std::fabs(m_WorldMax.y));
   m_bTiling = m_pTriangles->m_iCount == 2 &&
               CertainSide(*corner1, *corner3, *corner2) == Side::Right &&
               CertainSide(*corner1, *corner4, *corner3) == Side::Right;

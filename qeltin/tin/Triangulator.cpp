@@ -1,6 +1,7 @@
 #include "qeltin/tin/Triangulator.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <map>
 
@@ -16,13 +17,19 @@ constexpr int CHEAP_WALK = 20;          // steps that a query may cost before it
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
 constexpr double FAR_RADII_SQ = 25.0;   // beyond 5 circumradii the index is asked first
 
-// Returns true iff `p` is certainly to the right of every side.
-bool IsCertainlyInside(TTriangle const& t, TPoint const& p) {
-  using qeltin::detail::CertainSide;
-  using qeltin::detail::Side;
-  return CertainSide(*t.m_pVertex[0], *t.m_pVertex[1], p) == Side::Right &&
-         CertainSide(*t.m_pVertex[1], *t.m_pVertex[2], p) == Side::Right &&
-         CertainSide(*t.m_pVertex[2], *t.m_pVertex[0], p) == Side::Right;
+// Returns true only where `p` is inside by more than the band of the side test, so that no
+// neighbour accepts it, and away from the corners, where the bands of a triangle behind meet.
+bool IsWellInside(TTriangle const& t, TPoint const& p) {
+  if (t.XY_FindVertex(p) != nullptr) return false;
+  for (int side = 0; side < 3; ++side) {
+    TPoint const& from = *t.m_pVertex[side];
+    TPoint const& to = *t.m_pVertex[side == 2 ? 0 : side + 1];
+    double const error = qeltin::detail::SideErrorWithin(std::max(
+        std::fabs(p.x) + std::fabs(p.y),
+        std::max(std::fabs(from.x) + std::fabs(from.y), std::fabs(to.x) + std::fabs(to.y))));
+    if (!qeltin::detail::SideProduct(from, to, p, error).PassesBeyondBand()) return false;
+  }
+  return true;
 }
 
 bool LeadsOut(TTriangle const& t, TPoint const& p) {
@@ -40,6 +47,10 @@ void Triangulator::Seat(TIN* tin, TArray<TTriangle>* triangles) {
   m_pTriangles = triangles;
   m_pCurrent = nullptr;
   m_iBest = 0;
+  ForgetIndex();
+}
+
+void Triangulator::ForgetIndex() {
   m_pIndex.reset();
   m_iIndexed = 0;
   m_iLongSteps = 0;
@@ -58,8 +69,10 @@ TTriangle* Triangulator::Find(TPoint const& p) {
   if (m_pTin->m_pStartPoints != nullptr && m_pTin->m_pStartPoints->m_iCount > 0) {
     return FindByStartPoints(p);
   }
-  if (TTriangle* const found = FindByIndex(p)) return found;
-  if (m_pTin->m_bTiling && LeadsOut(*m_pCurrent, p)) return nullptr;  // a sample would not help
+  if (m_pTriangles->m_iCount >= SMALLEST_INDEXED) {
+    if (TTriangle* const found = FindByIndex(p)) return found;
+    if (m_pTin->m_bTiling && LeadsOut(*m_pCurrent, p)) return nullptr;  // a sample would not help
+  }
   return FindBySample(p);
 }
 
@@ -94,8 +107,8 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
 
 TTriangle* Triangulator::FindNext(TPoint const& p) {
   using qeltin::detail::SideFan;
-  if (m_pCurrent == nullptr) return nullptr;
-  SideFan const seen(p, m_pTin->m_dSideError);
+  if (m_pCurrent == nullptr || !m_pTin->IsWithinReach(p)) return nullptr;
+  SideFan const seen(p, qeltin::detail::SideErrorWithin(m_pTin->m_dReach));
   TTriangle* current = m_pCurrent;
   int entry = 3;
   for (int steps = m_pTriangles->m_iCount; steps > 0; --steps) {
@@ -134,7 +147,7 @@ TTriangle* Triangulator::FindFar(TPoint const& p) {
   TTriangle* const before = m_pCurrent;
   m_pCurrent = m_pIndex->Near(p);
   TTriangle* const found = Walk(p, CHEAP_WALK);
-  if (found != nullptr && found == m_pCurrent && IsCertainlyInside(*found, p)) return found;
+  if (found != nullptr && found == m_pCurrent && IsWellInside(*found, p)) return found;
   m_pCurrent = before;
   return nullptr;
 }
@@ -159,7 +172,7 @@ TTriangle* Triangulator::FindByIndex(TPoint const& p) {
 // then have cost as much as building it.
 bool Triangulator::IndexPays() const {
   int const count = m_pTriangles->m_iCount;
-  return count >= SMALLEST_INDEXED && count / 2 >= m_iIndexed && m_iLongSteps > count;
+  return count / 2 >= m_iIndexed && m_iLongSteps > count;
 }
 
 TTriangle* Triangulator::FindBySample(TPoint const& p) {

@@ -28,6 +28,10 @@ class QELTIN_API Triangulator {
   // must outlive the next Seat. A null pool leaves an object whose queries answer null.
   void Seat(TIN* tin, TArray<TTriangle>* triangles);
 
+  // Drops the index over the pool. To be called when a triangle is cut off: the index might go on
+  // leading to it.
+  void ForgetIndex();
+
   // Returns the triangle that holds `p`, hidden ones included, or null where there is none.
   //
   // A walk of at most 20 steps from the last result comes first. Note that after a walk that was

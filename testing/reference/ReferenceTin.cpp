@@ -136,13 +136,14 @@ void ReferenceTin::RemoveTriangle(TTriangle* triangle) {
   if (m_pPointMap != nullptr) m_pPointMap->RemoveTriangle(triangle);
 }
 
-ReferenceTin::Location ReferenceTin::Walk(TPoint const& p, int budget) {
-  TTriangle* c = m_pCurrent;
+// Walks from `kept`, and keeps there where it stops.
+ReferenceTin::Location ReferenceTin::WalkFrom(TTriangle*& kept, TPoint const& p, int budget) {
+  TTriangle* c = kept;
   TTriangle* q = nullptr;
   for (; budget >= 1; --budget) {
     int const s = stated::WhereTri(*c, p);
     if (s == 3) {
-      m_pCurrent = c;
+      kept = c;
       return {c, false};
     }
     TTriangle* const n = c->m_pAdjacent[s];
@@ -152,9 +153,9 @@ ReferenceTin::Location ReferenceTin::Walk(TPoint const& p, int budget) {
       c = n;
       continue;
     }
-    if (stated::XY_HasPoint(*c, p)) return {c, false};
-    if (stated::XY_HasPoint(*q, p)) return {q, false};
-    return {nullptr, true};
+    if (!stated::XY_HasPoint(*c, p) && !stated::XY_HasPoint(*q, p)) return {nullptr, true};
+    ++m_iBounces;
+    return {stated::XY_HasPoint(*c, p) ? c : q, false};
   }
   return {nullptr, false};
 }

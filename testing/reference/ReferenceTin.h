@@ -45,7 +45,15 @@ class ReferenceTin {
   // The walk of 20 steps from m_pCurrent, and what makes of it the answer of a search. What follows
   // when it fails is chance.
   Location Find(TPoint const& p);
-  Location Walk(TPoint const& p, int budget);
+  Location Walk(TPoint const& p, int budget) { return WalkFrom(m_pCurrent, p, budget); }
+
+  // The same walk on m_pLastTriangle.
+  Location TraverseFind(TPoint const& p, int budget) {
+    return WalkFrom(m_pLastTriangle, p, budget);
+  }
+
+  // The number of walks so far that were about to go straight back and ended there.
+  int Bounces() const { return m_iBounces; }
 
   // The whole search with its random samples, drawn with rand: one of the answers that chance may
   // give. REQUIRES: a live triangle.
@@ -87,7 +95,10 @@ class ReferenceTin {
   bool ReachesOut(TTriangle const& triangle) const;
   void Widen(TPoint const& p);
 
+  Location WalkFrom(TTriangle*& kept, TPoint const& p, int budget);
+
   bool m_bExhausted = false;
+  int m_iBounces = 0;
 };
 
 }  // namespace qeltin::testing

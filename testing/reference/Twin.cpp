@@ -160,6 +160,7 @@ TTriangle* Twin::SettleChance(TPoint const& p) {
 // Returns true iff the search with samples fails at least once in many.
 bool Twin::ChanceMayFail(TPoint const& p) {
   TTriangle* const current = m_Reference.m_pCurrent;
+  m_Reference.m_iBest = TINPeer::Location(m_Tin).m_iBest;
   bool failed = false;
   for (int i = 0; i < 3000 && !failed; ++i) failed = m_Reference.FindBySample(p) == nullptr;
   m_Reference.m_pCurrent = current;
@@ -198,6 +199,41 @@ void Twin::Query(TPoint const& p) {
     }
   }
   Step(Text("Find", p));
+}
+
+void Twin::CompareWalk(char const* name, TPoint const& p, ReferenceTin::Location const& there,
+                       TTriangle const* here) {
+  ++m_iSure;
+  int const slot = m_Reference.Slot(there.triangle);
+  if (SlotHere(here) != slot) {
+    Differ(Text(name, p),
+           "triangle " + std::to_string(SlotHere(here)) + ", reference " + std::to_string(slot));
+  }
+  Step(Text(name, p));
+}
+
+void Twin::Walk(TPoint const& p, int budget) {
+  if (IsOver()) return;
+  ReferenceTin::Location const there = m_Reference.Walk(p, budget);
+  if (there.chance) {
+    ++m_iChance;
+    return;
+  }
+  CompareWalk("Walk", p, there, TINPeer::Location(m_Tin).Walk(p, budget));
+}
+
+void Twin::TraverseFind(TPoint const& p, int budget) {
+  if (IsOver()) return;
+  ReferenceTin::Location const there = m_Reference.TraverseFind(p, budget);
+  if (there.chance) {
+    ++m_iChance;
+    return;
+  }
+  CompareWalk("TraverseFind", p, there, TINPeer::TraverseFind(m_Tin, p, budget));
+  int const here = SlotHere(TINPeer::LastTriangle(m_Tin));
+  if (here != m_Reference.Slot(m_Reference.m_pLastTriangle)) {
+    Differ(Text("TraverseFind", p), "keeps another triangle");
+  }
 }
 
 void Twin::RemoveTriangle(int position, bool release) {

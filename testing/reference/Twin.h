@@ -33,6 +33,12 @@ class Twin {
   void AddPoints(std::vector<TPoint> const& points);
   void Query(TPoint const& p);
 
+  // The walk alone from where the last query ended, and its copy that starts at the last triangle.
+  // Where a walk comes to a jump, nothing is compared.
+  // REQUIRES: a query before, and a point.
+  void Walk(TPoint const& p, int budget);
+  void TraverseFind(TPoint const& p, int budget);
+
   // The core insertion with a start triangle of our choice, right or wrong, by live position.
   void AddFrom(TPoint const& p, int position);
 
@@ -70,6 +76,8 @@ class Twin {
   TTriangle* SettleChance(TPoint const& p);
   bool ChanceMayFail(TPoint const& p);
   void AddFound(TPoint const& p, TTriangle* found);
+  void CompareWalk(char const* name, TPoint const& p, ReferenceTin::Location const& there,
+                   TTriangle const* here);
   void CompareReturned(TPoint const* here, TPoint const* there, TPoint const& p);
 
   TIN m_Tin;
