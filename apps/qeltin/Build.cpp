@@ -132,7 +132,7 @@ void Run(BuildOptions const& options) {
   result.seconds_read = watch.Lap();
   std::unique_ptr<TIN> const tin = Build(points, bounds, options, result);
   result.seconds_build = watch.Lap();
-  SaveSurface(*tin, draft.WorkingName(), options.output);
+  SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
   draft.Commit();
   result.seconds_write = watch.Lap();
   Tell(options, result);

@@ -174,6 +174,7 @@ class Command {
 
   void Restrict() const {
     alarm(60);
+    setenv("TSAN_OPTIONS", "atexit_sleep_ms=0", 0);  // otherwise each command takes a second longer
     signal(SIGPIPE, SIG_DFL);
     if (m_iIgnored != 0) signal(m_iIgnored, SIG_IGN);
     if (m_iFileLimit != RLIM_INFINITY) {

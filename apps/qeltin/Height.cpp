@@ -85,6 +85,9 @@ void Run(HeightOptions const& options) {
   if (options.at.empty() == options.points.empty()) {
     throw UsageFailure("give either --at X,Y or --points FILE");
   }
+  if (options.surface == "-" && options.points == "-") {
+    throw UsageFailure("standard input cannot be the surface and the places");
+  }
   std::optional<PlaceReader> places;
   if (!options.points.empty()) places.emplace(options.points);
   TextOutput output(options.output, options.overwrite);

@@ -47,6 +47,7 @@ TEST_F(Height, OptionsMayStandBeforeTheSurface) {
 
 TEST_F(Height, ATextIsASurfaceToo) {
   EXPECT_EQ(MustRun({"height", "plane.xyz", "--at", "5,4", "-q"}).out, "5,4,2.5\n");
+  EXPECT_EQ(Qeltin({"height", "-", "--at", "5,4", "-q"}).Input(PLANE).Run().out, "5,4,2.5\n");
   m_Folder.Put("line.xyz", "0 0 1\n1 1 1\n2 2 1\n");
   ExpectError(Run({"height", "line.xyz", "--at", "1,1"}),
               "line.xyz: all 3 points lie on one line: there is no surface");

@@ -77,6 +77,17 @@ TEST_F(Interrupt, AtAnyMomentLeavesTheOutputWholeOrNotThere) {
   }
 }
 
+TEST_F(Interrupt, EndsTheInsertionItself) {
+  // Far more points than can be inserted before the signal.
+  MustRun({"sample", "--points", "250000", "--pattern", "random", "-o", "s.xyz", "-q"});
+  Running running = Qeltin({"build", "s.xyz", "-o", "out.tin", "--keep-order"}).Start();
+  AwaitFolder(1);
+  usleep(150'000);
+  running.Signal(SIGINT);
+  EXPECT_EQ(running.Wait().status, 130);
+  EXPECT_EQ(m_Folder.Entries(), 1);
+}
+
 TEST_F(Interrupt, AnIgnoredSignalStaysIgnored) {
   Running running = Qeltin({"build", "-", "-o", "out.tin", "-q"}).Ignoring(SIGINT).Start();
   running.Say("0 0 1\n1 0 1\n");

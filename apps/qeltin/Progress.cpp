@@ -49,8 +49,7 @@ void Progress::Start(bool quiet) {
   if (quiet || isatty(STDERR_FILENO) == 0) return;
   m_Thread = std::thread([this] { Run(); });
   m_Wipe.emplace([this] {
-    std::unique_lock lock(m_Mutex);
-    m_bEnd = true;
+    m_Mutex.lock();  // for good: nothing more is drawn
     if (m_bDrawn) WriteToTerminal(WIPE);
   });
 }

@@ -97,7 +97,9 @@ void AppendPoints(std::string const& name, InputOptions const& options,
   }
 }
 
-void SaveSurface(TIN const& tin, std::string const& file, std::string const& told) {
+void SaveSurface(TIN const& tin, std::string const& file, std::string const& told, bool quiet) {
+  std::chrono::duration<double> const guess(2.5e-7 * tin.GetNumberOfPoints());
+  Progress const progress("write", guess, quiet);
   TINFile writer;
   bool const tried = writer.SaveTIN(FromUtf8(file).c_str(), tin);
   if (writer.LastError() != 0) throw Failure(told, SystemReason(writer.LastError()));

@@ -27,6 +27,6 @@ void AppendPoints(std::string const& name, InputOptions const& options,
 
 // Writes a native file. Throws Failure, in the name of `told`, where it does not get to the disk
 // whole.
-void SaveSurface(TIN const& tin, std::string const& file, std::string const& told);
+void SaveSurface(TIN const& tin, std::string const& file, std::string const& told, bool quiet);
 
 }  // namespace qeltin::cli

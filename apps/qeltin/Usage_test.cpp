@@ -58,6 +58,7 @@ TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
       {"height"},
       {"height", "s.xyz"},
       {"height", "s.xyz", "--at"},
+      {"height", "-", "--points", "-"},
       {"height", "s.xyz", "--at", "1"},
       {"height", "s.xyz", "--at", "1,2,3"},
       {"height", "s.xyz", "--at", "1,x"},
@@ -85,7 +86,9 @@ std::set<std::string> LongOptions(std::string const& text) {
 }
 
 TEST_F(Usage, TheManualTellsEveryOption) {
-  std::ifstream manual(QELTIN_DATA_DIR "/../../docs/man/qeltin.1");
+  std::filesystem::path const source =
+      std::filesystem::path(QELTIN_DATA_DIR).parent_path().parent_path();
+  std::ifstream manual(source / "docs/man/qeltin.1");
   std::string const text{std::istreambuf_iterator<char>(manual), {}};
   ASSERT_NE(text, "");
   for (std::string const command : {"sample", "build", "info", "height"}) {
