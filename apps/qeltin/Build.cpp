@@ -71,7 +71,7 @@ std::vector<IPoint> ReadInputs(BuildOptions const& options, std::optional<Box> c
   return points;
 }
 
-std::unique_ptr<TIN> Build(std::vector<IPoint> const& points, std::optional<Box> const& bounds,
+std::unique_ptr<TIN> Build(std::vector<IPoint>& points, std::optional<Box> const& bounds,
                            BuildOptions const& options, BuildResult& result) {
   std::string const name = options.inputs.size() == 1 ? options.inputs[0] : options.output;
   std::string const why = WhyNoSurface(points);
@@ -83,7 +83,8 @@ std::unique_ptr<TIN> Build(std::vector<IPoint> const& points, std::optional<Box>
 
   std::unique_ptr<TIN> tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
   result.facts = FactsOf(*tin);
-  if (result.facts.visible_triangles == 0) {
+  // In the order of the files every triangle may be hidden, however sound the surface is.
+  if (result.facts.visible_triangles == 0 && !options.keep_order) {
     throw Failure(name, "the points span no area: no triangle is visible");
   }
   return tin;
@@ -128,7 +129,7 @@ void Run(BuildOptions const& options) {
 
   BuildResult result;
   Stopwatch watch;
-  std::vector<IPoint> const points = ReadInputs(options, bounds, result);
+  std::vector<IPoint> points = ReadInputs(options, bounds, result);
   result.seconds_read = watch.Lap();
   std::unique_ptr<TIN> const tin = Build(points, bounds, options, result);
   result.seconds_build = watch.Lap();
@@ -155,11 +156,12 @@ void AddBuild(CLI::App& application) {
   command->add_flag("--overwrite", options->overwrite, "Replace an output that exists");
   command->add_flag("--keep-order", options->keep_order,
                     "Insert the points in the order of the files: the\n"
-                    "same bytes on every run");
+                    "same bytes on every run; what widens the surface as it\n"
+                    "grows may stay hidden");
   command
       ->add_option("--bounds", options->bounds,
-                   "Leave out the points outside this box, and give it to\n"
-                   "the surface as its bounds")
+                   "Leave out the points outside this box and, unless the\n"
+                   "order is kept, give it to the surface as its bounds")
       ->check(NumberList(4, "X1,Y1,X2,Y2"))
       ->type_name("X1,Y1,X2,Y2");
   AddPrecision(*command, options->style);

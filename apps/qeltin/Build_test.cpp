@@ -117,13 +117,25 @@ TEST_F(Build, KeepOrderKeepsThePointsInTheOrderOfTheFiles) {
   EXPECT_EQ(heights, (std::vector<double>{0, 0, 0, 0, 1, 2, 3, 4}));  // seed corners first
 }
 
-TEST_F(Build, KeepOrderShowsAsMuchOfTheSurfaceAsAnyOtherOrder) {
+TEST_F(Build, KeepOrderHidesWhatReachedBeyondTheBoundsAsTheyGrew) {
   std::string const survey = Survey("lines", 5000);
   Json const shuffled = MustRun({"build", survey, "-o", "a.tin", "--json"}).Json();
   Json const kept = MustRun({"build", survey, "-o", "b.tin", "--keep-order", "--json"}).Json();
-  EXPECT_EQ(kept["visible_triangles"], shuffled["visible_triangles"]);
+  EXPECT_EQ(kept["points_in_surface"], shuffled["points_in_surface"]);
+  EXPECT_LT(kept["visible_triangles"], shuffled["visible_triangles"]);
   EXPECT_EQ(kept["bounds"], shuffled["bounds"]);
-  EXPECT_EQ(kept["world_bounds"], shuffled["world_bounds"]);
+}
+
+TEST_F(Build, KeepOrderReachesTenWidthsBelowTheDataAndAHundredAndTenAbove) {
+  Json const told = BuildText(SQUARE, {"--keep-order"});
+  EXPECT_EQ(told["world_bounds"]["min"][0], -100);
+  EXPECT_EQ(told["world_bounds"]["max"][0], 1110);
+}
+
+TEST_F(Build, KeepOrderMayHideEveryTriangle) {
+  Json const told = BuildText("0 0 1\n5 10 2\n10 0 3\n", {"--keep-order"});
+  EXPECT_EQ(told["points_in_surface"], 3);
+  EXPECT_EQ(told["visible_triangles"], 0);
 }
 
 TEST_F(Build, BoundsLeaveOutWhatLiesOutsideThem) {
@@ -135,10 +147,14 @@ TEST_F(Build, BoundsLeaveOutWhatLiesOutsideThem) {
     EXPECT_EQ(told["refused"], 3);
     EXPECT_EQ(told["points_in_surface"], 4);  // those on the edge of the box are in
     EXPECT_EQ(told["duplicates"], 0);
-    EXPECT_EQ(told["visible_triangles"], 2);
-    EXPECT_EQ(told["bounds"], (Json{{"min", {-2, 0, 1}}, {"max", {10, 12, 4}}}));
-    EXPECT_EQ(told["world_bounds"]["min"][0], -2 - 10 * 12);
   }
+}
+
+TEST_F(Build, BoundsAreThoseOfTheSurface) {
+  Json const told = BuildText(SQUARE, {"--bounds", "-2,0,10,12"});
+  EXPECT_EQ(told["visible_triangles"], 2);
+  EXPECT_EQ(told["bounds"], (Json{{"min", {-2, 0, 1}}, {"max", {10, 12, 4}}}));
+  EXPECT_EQ(told["world_bounds"]["min"][0], -2 - 10 * 12);
 }
 
 TEST_F(Build, BoundsThatLeaveTooLittleAreAnError) {

@@ -75,21 +75,15 @@ bool IsSensible(IPoint const& p) {
   return std::fabs(p.x) < LARGEST && std::fabs(p.y) < LARGEST && std::isfinite(p.z);
 }
 
-// Unlike TIN::Create, which takes the bounds from the points as they come and hides for good what
-// reaches beyond them at that moment, this knows the bounds beforehand.
-void InsertInOrder(TIN& tin, std::vector<IPoint> const& points, bool quiet) {
-  Progress progress("build", static_cast<double>(points.size()), quiet);
-  double done = 0.0;
-  for (IPoint const& p : points) {
-    tin.AddPoint(p.x, p.y, p.z);
-    progress.Done(done += 1.0);
-  }
+// Shows how far `count` points have probably come: building is one call, which tells nothing.
+Progress EstimatedProgress(std::size_t count, bool quiet) {
+  constexpr double SECONDS_PER_POINT = 1e-6;
+  std::chrono::duration<double> const guess(SECONDS_PER_POINT * static_cast<double>(count));
+  return Progress("build", guess, quiet);
 }
 
-void InsertShuffled(TIN& tin, std::vector<IPoint> const& points, bool quiet) {
-  constexpr double SECONDS_PER_POINT = 1e-6;
-  std::chrono::duration<double> const guess(SECONDS_PER_POINT * static_cast<double>(points.size()));
-  Progress const progress("build", guess, quiet);
+void InsertShuffled(TIN& tin, std::vector<IPoint> const& points, Box const& box) {
+  tin.Init(static_cast<int>(points.size()), box.min, box.max);
   for (IPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
   tin.Triangulate();
 }
@@ -163,18 +157,18 @@ SurfaceFacts FactsOf(TIN const& tin) {
   return facts;
 }
 
-std::unique_ptr<TIN> BuildSurface(std::vector<IPoint> const& points, bool keep_order,
+std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
                                   std::optional<Box> const& bounds, bool quiet) {
-  Box box = BoundsOf(points);
-  if (bounds) {
-    box = {{bounds->min.x, bounds->min.y, box.min.z}, {bounds->max.x, bounds->max.y, box.max.z}};
-  }
+  Progress const progress = EstimatedProgress(points.size(), quiet);
   auto tin = std::make_unique<TIN>();
-  tin->Init(static_cast<int>(points.size()), box.min, box.max);
   if (keep_order) {
-    InsertInOrder(*tin, points, quiet);
+    tin->Create(&points);
   } else {
-    InsertShuffled(*tin, points, quiet);
+    Box box = BoundsOf(points);
+    if (bounds) {
+      box = {{bounds->min.x, bounds->min.y, box.min.z}, {bounds->max.x, bounds->max.y, box.max.z}};
+    }
+    InsertShuffled(*tin, points, box);
   }
   // The library does without what the system refuses it, and says nothing.
   bool const complete = tin->GetNumberOfPoints() >= static_cast<int>(points.size()) &&

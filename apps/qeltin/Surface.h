@@ -38,10 +38,12 @@ SurfaceFacts FactsOf(TIN const& tin);
 bool IsSeedCorner(TPoint const& p, Box const& world);
 
 // Builds the surface of `points`, in random order, which is the fast way, or in the order given,
-// which leads to the same surface bit by bit on every run. The data bounds are `bounds`, or else
-// those of the points. Shows its progress unless `quiet`. Throws std::bad_alloc.
+// which leads to the same surface bit by bit on every run. In random order the data bounds are
+// `bounds`, or else those of the points. In the order given they are those of the points, and what
+// reached beyond the bounds of the points before it may stay hidden. Shows its progress unless
+// `quiet`. Throws std::bad_alloc.
 // REQUIRES: WhyNoSurface has nothing to say; the points lie inside `bounds`.
-std::unique_ptr<TIN> BuildSurface(std::vector<IPoint> const& points, bool keep_order,
+std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
                                   std::optional<Box> const& bounds, bool quiet);
 
 // Returns why no surface can be made of `points`, in words that follow "FILE: ", or an empty text.

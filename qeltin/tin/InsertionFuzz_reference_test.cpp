@@ -15,7 +15,11 @@ using qeltin::testing::TestSeed;
 using qeltin::testing::Twin;
 using qeltin::testing::TwinScript;
 
-constexpr int RUNS = 1500;
+#ifdef NDEBUG
+constexpr int RUNS = 1000;
+#else
+constexpr int RUNS = 150;  // asserts and sanitizers cost their time
+#endif
 
 struct Life {
   char const* name;

@@ -247,6 +247,10 @@ class QELTIN_API TIN {
   TTriangle* TraverseFind(TPoint const& p, int budget) const;
   void GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result);
 
+  // Looks at every triangle, and sets m_bTiling and m_dReach where they tile a convex
+  // quadrilateral.
+  void FindWhetherItTiles();
+
   bool IsWithinReach(TPoint const& p) const { return std::fabs(p.x) + std::fabs(p.y) <= m_dReach; }
 
   void ResetToEmptyBoxes();

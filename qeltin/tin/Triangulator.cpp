@@ -160,6 +160,7 @@ TTriangle* Triangulator::FindByIndex(TPoint const& p) {
     m_pIndex = std::make_unique<LocationIndex>(*m_pTriangles, m_pTin->m_Min, m_pTin->m_Max);
     m_iIndexed = count;
     m_iLongSteps = 0;
+    if (!m_pTin->m_bTiling) m_pTin->FindWhetherItTiles();
   }
   if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p);
   int steps = 0;
