@@ -127,12 +127,18 @@ class QELTIN_API TTriangle {
   //   (3) otherwise the first failing side after the one that passes, in the order 0, 1, 2, 0.
   // A side value that is not a number does not pass.
   int WhereTri(TPoint const& p) const {
-    static constexpr signed char ANSWER[8] = {3, 1, 2, 2, 0, 1, 0, 3};
     using qeltin::detail::PassesSide;
     int const code = int{PassesSide(m_pVertex[0], m_pVertex[1], p)} |
                      int{PassesSide(m_pVertex[1], m_pVertex[2], p)} << 1 |
                      int{PassesSide(m_pVertex[2], m_pVertex[0], p)} << 2;
-    return ANSWER[code];
+    return StepFor(code);
+  }
+
+  // Returns the answer of WhereTri for the sides that pass: 1 for side 0, 2 for side 1, 4 for side
+  // 2, summed.
+  static int StepFor(int code) {
+    static constexpr signed char STEPS[8] = {3, 1, 2, 2, 0, 1, 0, 3};
+    return STEPS[code];
   }
 
   // Returns 1 iff `p` is inside or on the cached circle, exactly, else 0. Not-a-number in the cache

@@ -32,6 +32,44 @@ bool IsWellInside(TTriangle const& t, TPoint const& p) {
   return true;
 }
 
+// Answers what TTriangle::WhereTri does, triangle after triangle along a walk over a surface that
+// tiles. There the bound of the side test is the same everywhere, and the side that the walk came
+// in by, which certainly failed from without, certainly passes from within.
+class Steering {
+ public:
+  Steering(TPoint const& p, double reach)
+      : m_Point(p), m_dError(qeltin::detail::SideErrorWithin(reach)) {}
+
+  int Where(TTriangle const& t) {
+    bool certain[3] = {true, true, true};
+    int code = 0;
+    for (int side = 0; side < 3; ++side) {
+      if (side == m_iEntry || Passes(t, side, certain[side])) code |= 1 << side;
+    }
+    int const exit = TTriangle::StepFor(code);
+    m_iEntry = exit != 3 && certain[exit] ? t.TriSide(exit) : 3;
+    return exit;
+  }
+
+  // To be called before a triangle that the walk did not come to across a side.
+  void Jump() { m_iEntry = 3; }
+
+ private:
+  bool Passes(TTriangle const& t, int side, bool& certain) const {
+    TPoint* const from = t.m_pVertex[side];
+    TPoint* const to = t.m_pVertex[side == 2 ? 0 : side + 1];
+    qeltin::detail::SideProduct const product(*from, *to, m_Point, m_dError);
+    if (product.Certain() == qeltin::detail::Side::Right) return true;
+    if (product.CertainlyFails()) return false;
+    certain = false;
+    return qeltin::detail::PassesSide(from, to, m_Point);
+  }
+
+  TPoint m_Point;
+  double m_dError;
+  int m_iEntry = 3;  // the side that needs no test
+};
+
 bool LeadsOut(TTriangle const& t, TPoint const& p) {
   int const side = t.WhereTri(p);
   return side != 3 && t.m_pAdjacent[side] == nullptr;
@@ -82,10 +120,12 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget) {
 }
 
 TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
+  bool const tiles = m_pTin->m_bTiling && m_pTin->IsWithinReach(p);
+  Steering steering(p, m_pTin->m_dReach);
   TTriangle* current = m_pCurrent;
   TTriangle* previous = nullptr;
   for (steps = 0; steps < budget; ++steps) {
-    int const side = current->WhereTri(p);
+    int const side = tiles ? steering.Where(*current) : current->WhereTri(p);
     if (side == 3) {
       m_pCurrent = current;
       return current;
@@ -101,6 +141,7 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
     if (current->XY_HasPoint(p)) return current;
     if (previous->XY_HasPoint(p)) return previous;
     current = m_pTriangles->At(RandomPosition());
+    steering.Jump();
   }
   return nullptr;
 }

@@ -157,12 +157,16 @@ TTriangle* Twin::SettleChance(TPoint const& p) {
   return answer;
 }
 
-// Returns true iff the search with samples fails at least once in many.
+// Returns true iff the search with samples fails at least once in many. A point too far off for any
+// sample to count starts where an earlier search found its best, which may have been anywhere.
 bool Twin::ChanceMayFail(TPoint const& p) {
   TTriangle* const current = m_Reference.m_pCurrent;
-  m_Reference.m_iBest = TINPeer::Location(m_Tin).m_iBest;
+  int const early = m_Reference.m_pTriangles->m_iCount / 5 + 1;
   bool failed = false;
-  for (int i = 0; i < 3000 && !failed; ++i) failed = m_Reference.FindBySample(p) == nullptr;
+  for (int i = 0; i < 3000 && !failed; ++i) {
+    m_Reference.m_iBest = std::rand() % early;
+    failed = m_Reference.FindBySample(p) == nullptr;
+  }
   m_Reference.m_pCurrent = current;
   return failed;
 }
