@@ -1,7 +1,6 @@
 #include "qeltin/tin/Cavity.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <functional>
 #include <tuple>
 
@@ -44,72 +43,6 @@ int SideBack(TTriangle const& outer, TTriangle const* t, TPoint const* from, TPo
     }
   }
   return -1;
-}
-
-// Returns the candidates that may share a side with a triangle, when asked for their positions in
-// `triangles`: all that do, in ascending order, and perhaps others.
-class SideTable {
- public:
-  explicit SideTable(std::vector<TTriangle*> const& triangles) {
-    for (std::size_t i = 0; i < triangles.size(); ++i) {
-      for (int side = 0; side < 3; ++side) m_Sides.emplace_back(Key(*triangles[i], side), i);
-    }
-    std::sort(m_Sides.begin(), m_Sides.end());
-  }
-
-  std::vector<std::size_t> const& Candidates(TTriangle const& triangle) {
-    m_Found.clear();
-    for (int side = 0; side < 3; ++side) {
-      std::uint64_t const key = Key(triangle, side);
-      auto it = std::lower_bound(m_Sides.begin(), m_Sides.end(), std::pair(key, std::size_t{0}));
-      for (; it != m_Sides.end() && it->first == key; ++it) m_Found.push_back(it->second);
-    }
-    std::sort(m_Found.begin(), m_Found.end());
-    m_Found.erase(std::unique(m_Found.begin(), m_Found.end()), m_Found.end());
-    return m_Found;
-  }
-
- private:
-  // Equal for sides of equal ends, in either direction.
-  static std::uint64_t Key(TTriangle const& t, int side) {
-    return RingTable::Hash(*t.m_pVertex[side]) + RingTable::Hash(*t.m_pVertex[(side + 1) % 3]);
-  }
-
-  std::vector<std::pair<std::uint64_t, std::size_t>> m_Sides;
-  std::vector<std::size_t> m_Found;
-};
-
-// Returns true iff some side has ends of equal value: such a side equals every side that it
-// touches.
-bool HasPointSide(std::vector<TTriangle*> const& triangles) {
-  return std::any_of(triangles.begin(), triangles.end(), [](TTriangle const* t) {
-    return *t->m_pVertex[0] == *t->m_pVertex[1] || *t->m_pVertex[1] == *t->m_pVertex[2] ||
-           *t->m_pVertex[2] == *t->m_pVertex[0];
-  });
-}
-
-void Link(TTriangle* a, TTriangle* b) {
-  if (a->SetAdjacentPointer(b) != -1) b->SetAdjacentPointer(a);
-}
-
-// Links each triangle of `created`, in order, with those after it and then with each of `outer`.
-// Where sides are compared, pairs without a common side are left out: linking them does nothing.
-void LinkByValue(std::vector<TTriangle*> const& created, std::vector<TTriangle*> const& outer) {
-  if (HasPointSide(created) || HasPointSide(outer)) {
-    for (std::size_t i = 0; i < created.size(); ++i) {
-      for (std::size_t j = i + 1; j < created.size(); ++j) Link(created[i], created[j]);
-      for (TTriangle* o : outer) Link(created[i], o);
-    }
-    return;
-  }
-  SideTable among_created(created);
-  SideTable among_outer(outer);
-  for (std::size_t i = 0; i < created.size(); ++i) {
-    for (std::size_t j : among_created.Candidates(*created[i])) {
-      if (j > i) Link(created[i], created[j]);
-    }
-    for (std::size_t j : among_outer.Candidates(*created[i])) Link(created[i], outer[j]);
-  }
 }
 
 }  // namespace
@@ -369,45 +302,6 @@ bool Cavity::FillRing(TIN& tin, TPoint* p) {
     edge.fan->m_pAdjacent[FAN_SIDES[edge.ascending][edge.swapped].after] = next.fan;
     next.fan->m_pAdjacent[FAN_SIDES[next.ascending][next.swapped].before] = edge.fan;
   }
-  return true;
-}
-
-// The filling for holes of any shape: each pair of triangles that share a side by value is linked,
-// whatever else points at them.
-bool Cavity::FillByValue(TIN& tin, TPoint* p) {
-  std::vector<TTriangle*> outer;
-  std::vector<std::pair<TPoint*, TPoint*>> boundary;  // lower address first
-  for (TTriangle* t : m_Triangles) {
-    for (TTriangle* neighbour : t->m_pAdjacent) {
-      if (neighbour != nullptr && !IsMarked(neighbour)) outer.push_back(neighbour);
-    }
-  }
-  for (TTriangle* t : m_Triangles) {
-    bool const first = boundary.empty();
-    for (int side = 0; side < 3; ++side) {
-      std::pair<TPoint*, TPoint*> edge(t->m_pVertex[side], t->m_pVertex[(side + 1) % 3]);
-      if (IsAscending(edge.second, edge.first)) std::swap(edge.first, edge.second);
-      auto const known = first ? boundary.end() : std::find(boundary.begin(), boundary.end(), edge);
-      if (known == boundary.end()) {
-        boundary.push_back(edge);
-      } else {
-        boundary.erase(known);
-      }
-    }
-  }
-
-  if (!HasRoom(tin, boundary.size())) return false;
-
-  std::vector<TTriangle*> created;
-  for (auto const& [a, b] : boundary) {
-    TTriangle* const t = TakeSlot(tin, p, a, b);
-    *t = TTriangle(p, a, b);
-    t->SortVertices();
-    t->m_Flags = tin.InBounds(*t) ? 0 : TRI_OUTSIDE;
-    t->CalcTri();
-    created.push_back(t);
-  }
-  LinkByValue(created, outer);
   return true;
 }
 

@@ -161,7 +161,8 @@ TTriangle* Twin::SettleChance(TPoint const& p) {
 // sample to count starts where an earlier search found its best, which may have been anywhere.
 bool Twin::ChanceMayFail(TPoint const& p) {
   TTriangle* const current = m_Reference.m_pCurrent;
-  int const early = m_Reference.m_pTriangles->m_iCount / 5 + 1;
+  int const count = m_Reference.m_pTriangles->m_iCount;
+  int const early = count < 50 ? count : count / 5;
   bool failed = false;
   for (int i = 0; i < 3000 && !failed; ++i) {
     m_Reference.m_iBest = std::rand() % early;
