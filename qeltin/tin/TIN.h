@@ -196,7 +196,7 @@ class QELTIN_API TIN {
   // Queries need Load, which also seats the location.
   int LoadTin(wchar_t const* file);
 
-  // Loads a Trimble terrain model. Returns the number of live points, 0 on failure.
+  // Trimble terrain models are not read yet: empties the surface and returns 0.
   int LoadTrimbleTinModel(wchar_t const* file);
 
   // Writes a native file of the current version.
