@@ -82,7 +82,7 @@ int LocationIndex::AddGrid(std::vector<int> const& slots, TPoint const& min, TPo
     m_Cells[cell] = slot;
     ++crowd[cell - grid.first];
   }
-  AimAtCentres(grid);
+  FillEmptyCells(grid);
   if (depth == DEEPEST || area == 1) return number;
 
   std::map<std::size_t, std::vector<int>> crowded;
@@ -112,19 +112,23 @@ int LocationIndex::AddGridAround(std::vector<int> const& slots, int depth) {
   return AddGrid(slots, min, max, depth);
 }
 
-// Moves from cell to cell, there and back, and keeps the triangle under each centre.
-void LocationIndex::AimAtCentres(Grid const& grid) {
+// Moves from cell to cell, there and back, and gives each empty one the triangle under its centre.
+void LocationIndex::FillEmptyCells(Grid const& grid) {
   auto const begin = m_Cells.begin() + static_cast<std::ptrdiff_t>(grid.first);
   auto const taken = std::find_if(begin, m_Cells.end(), [](int cell) { return cell != EMPTY; });
   int slot = taken == m_Cells.end() ? 0 : *taken;
   for (int row = 0; row < grid.rows; ++row) {
     for (int i = 0; i < grid.columns; ++i) {
       int const column = row % 2 == 0 ? i : grid.columns - 1 - i;
+      int& cell = *(begin + static_cast<std::ptrdiff_t>(row) * grid.columns + column);
+      if (cell != EMPTY) {
+        slot = cell;
+        continue;
+      }
       TPoint centre(grid.left, grid.bottom);
       if (grid.columns_per_unit > 0.0) centre.x += (column + 0.5) / grid.columns_per_unit;
       if (grid.rows_per_unit > 0.0) centre.y += (row + 0.5) / grid.rows_per_unit;
-      int& cell = *(begin + static_cast<std::ptrdiff_t>(row) * grid.columns + column);
-      slot = WalkTo(centre, cell == EMPTY ? slot : cell);
+      slot = WalkTo(centre, slot);
       cell = slot;
     }
   }

@@ -12,11 +12,11 @@ namespace qeltin::detail {
 
 // A place to start a walk from: for any position, a triangle of the pool nearby.
 //
-// Cells over the data bounds name one triangle each, the one under their centre; a cell in which
-// many triangles have their first corner holds a finer grid over the part that they fill, and so
-// on. So clusters a thousand kilometres apart cost one more level, not a useless grid. Slots are
-// remembered, not what they held: an insertion overwrites triangles in place, by others at the
-// same spot, so that an index of yesterday still leads near.
+// Cells over the data bounds name one triangle each, one with its first corner there or else the
+// one under the centre; a cell in which many triangles have their first corner holds a finer grid
+// over the part that they fill, and so on. So clusters a thousand kilometres apart cost one more
+// level, not a useless grid. Slots are remembered, not what they held: an insertion overwrites
+// triangles in place, by others at the same spot, so that an index of yesterday still leads near.
 //
 // Threads: building reads the pool, lookups read both.
 class LocationIndex {
@@ -48,7 +48,7 @@ class LocationIndex {
   TPoint const& Anchor(int slot) const { return *m_pTriangles[slot].m_pVertex[0]; }
   int AddGrid(std::vector<int> const& slots, TPoint const& min, TPoint const& max, int depth);
   int AddGridAround(std::vector<int> const& slots, int depth);
-  void AimAtCentres(Grid const& grid);
+  void FillEmptyCells(Grid const& grid);
   int WalkTo(TPoint const& p, int slot) const;
 
   TTriangle* m_pTriangles;

@@ -74,6 +74,7 @@ class Twin {
   int SlotHere(TPoint const* p) const;
   TTriangle* Counterpart(TTriangle const* t);
   TTriangle* SettleChance(TPoint const& p);
+  bool AlwaysFails(TPoint const& p);
   bool ChanceMayFail(TPoint const& p);
   void AddFound(TPoint const& p, TTriangle* found);
   void CompareWalk(char const* name, TPoint const& p, ReferenceTin::Location const& there,
