@@ -70,8 +70,8 @@ class Steering {
   int m_iEntry = 3;  // the side that needs no test
 };
 
-// Returns true iff the next step from `t` towards `p` leaves the mesh. No step is sure of a place at
-// infinity.
+// Returns true iff the next step from `t` towards `p` leaves the mesh. No step is sure of a place
+// at infinity.
 bool LeadsOut(TTriangle const& t, TPoint const& p) {
   if (!std::isfinite(p.x) || !std::isfinite(p.y)) return false;
   int const side = t.WhereTri(p);
