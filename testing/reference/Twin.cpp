@@ -1,5 +1,6 @@
 #include "testing/reference/Twin.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
@@ -173,7 +174,7 @@ bool Twin::AlwaysFails(TPoint const& p) {
 bool Twin::ChanceMayFail(TPoint const& p) {
   TTriangle* const current = m_Reference.m_pCurrent;
   int const count = m_Reference.m_pTriangles->m_iCount;
-  int const early = count < 50 ? count : count / 5;
+  int const early = std::max(1, count < 50 ? count : count / 5);
   bool failed = false;
   for (int i = 0; i < 3000 && !failed; ++i) {
     m_Reference.m_iBest = std::rand() % early;
