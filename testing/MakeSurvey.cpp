@@ -265,6 +265,8 @@ char const* NameOf(Survey survey) {
   return "?";
 }
 
+void PrintTo(Place const& place, std::ostream* out) { *out << place.name; }
+
 std::ostream& operator<<(std::ostream& out, Survey survey) { return out << NameOf(survey); }
 
 std::vector<TPoint> MakeSurvey(Survey survey, int count, std::uint64_t seed, Frame const& frame) {

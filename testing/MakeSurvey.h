@@ -65,6 +65,20 @@ struct Frame {
 inline constexpr Frame AT_ORIGIN{};
 inline constexpr Frame AT_UTM{4.0e5, 4.9e6};
 
+// So far out that coordinates are rounded to some tenths of a millimetre, and walks go back and
+// forth between two triangles.
+inline constexpr Frame FAR_OUT{3.0e11, -7.0e11};
+
+// A frame with a name, as the parameter of a test.
+struct Place {
+  char const* name;
+  Frame frame;
+};
+
+void PrintTo(Place const& place, std::ostream* out);
+
+inline constexpr Place PLACES[] = {{"AtOrigin", AT_ORIGIN}, {"AtUtm", AT_UTM}, {"FarOut", FAR_OUT}};
+
 // Returns `count` points. z is a smooth height that differs from point to point.
 std::vector<TPoint> MakeSurvey(Survey survey, int count, std::uint64_t seed,
                                Frame const& frame = AT_ORIGIN);

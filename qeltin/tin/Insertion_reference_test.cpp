@@ -18,13 +18,13 @@
 namespace {
 
 using qeltin::testing::ALL_SURVEYS;
-using qeltin::testing::AT_ORIGIN;
 using qeltin::testing::AT_UTM;
 using qeltin::testing::Dice;
 using qeltin::testing::Extent;
 using qeltin::testing::ExtentOf;
-using qeltin::testing::Frame;
 using qeltin::testing::MakeSurvey;
+using qeltin::testing::Place;
+using qeltin::testing::PLACES;
 using qeltin::testing::SurfaceReport;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
@@ -33,18 +33,6 @@ using qeltin::testing::VerifySurface;
 
 constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-
-// So far out that coordinates are rounded to some tenths of a millimetre.
-constexpr Frame FAR_OUT{3.0e11, -7.0e11};
-
-struct Place {
-  char const* name;
-  Frame frame;
-};
-
-void PrintTo(Place const& place, std::ostream* out) { *out << place.name; }
-
-constexpr Place PLACES[] = {{"AtOrigin", AT_ORIGIN}, {"AtUtm", AT_UTM}, {"FarOut", FAR_OUT}};
 
 void InitFor(Twin& twin, std::vector<TPoint> const& points) {
   Extent const extent = ExtentOf(points);
