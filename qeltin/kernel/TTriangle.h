@@ -79,6 +79,22 @@ class QELTIN_API TTriangle {
   // triangle has no plan area.
   double GetZ(double x, double y) const;
 
+  // Writes the volume between the triangle and the plane z = 0, the part on one side into `first`
+  // and that on the other into `second`, both with the sign of twice the plan area: that of
+  // clockwise corners above the plane is positive.
+  //
+  // A triangle wholly at or above the plane has all in `first`, one wholly below all in `second`.
+  // In a triangle that the plane cuts, W is the volume of the corner that stands alone on its side
+  // and V that of the whole: (W, W - V) where W >= 0, otherwise (W - V, W). Note that the part on
+  // the far side from the lone corner so enters with the opposite sign. REQUIRES: non-null
+  // arguments.
+  void CutFill(double* first, double* second) const;
+
+  // Sets `z` to a height difference, in a scale of its own and computed in single precision, at a
+  // place inside the triangle, and returns true; false, with `z` as it was, outside. Not the
+  // height: use GetZ for that. Kept for hosts that rest on it.
+  bool XY_HeightAt(TPoint const& p, double& z) const;
+
   // Returns the unit normal, which points up for clockwise corners; not-a-number without area.
   TPoint GetNormal() const;
 

@@ -16,10 +16,14 @@
 
 class CQelUnitCnv;
 class TINFile;
+class TPolygon;
 
 namespace qeltin::detail {
 class Cavity;
-}
+class GridSampler;
+class IsolineTracer;
+class ProfileTracer;
+}  // namespace qeltin::detail
 namespace qeltin::testing {
 struct TINPeer;
 }
@@ -170,6 +174,63 @@ class QELTIN_API TIN {
   // Returns true iff there are any. REQUIRES: BuildPointMap.
   bool GetNeighbours(TPoint const* point, std::vector<TPoint*>& result) const;
 
+  // --- Whole surfaces -------------------------------------------------------------------------
+
+  // Builds this surface anew, in the order of the pools, from its own points and then those of
+  // `other`. Points that stand on a side of their surface's world box, as the seed corners do, are
+  // left out. A point of `other` within 0.001 of one of this surface's is dropped by the duplicate
+  // rule, and its slot stays. The new world box is TPoint::Min and TPoint::Max of both, whose rule
+  // for z can write a height into x. A map is left as it is, without entries. REQUIRES: both
+  // surfaces have pools, and they are two.
+  TIN& operator+=(TIN const& other);
+
+  // Returns a new surface through the centroids of the triangles whose corners are all within the
+  // data bounds, hidden ones too; with `polygon`, only of those that its XY_Contains takes. The
+  // points themselves are not carried over. The result is the caller's; null where memory is
+  // refused.
+  TIN* CreateSmooth(TPolygon const* polygon) const;
+
+  // Marks every triangle that has a side longer in plan than `limit` as TRI_FILTERED, and every
+  // other as not. Not cumulative. The structure stays whole: location still passes through.
+  void FilterTriangles(double limit);
+
+  // --- Products -------------------------------------------------------------------------------
+
+  // Appends the lines of height `level` to `lines`, the caller's from then on, and returns their
+  // number. Every point of a line has z = level.
+  //
+  // A vertex at the level counts as above it. A line is followed forward only: one that does not
+  // close is left in pieces, and a closed one stops at the last crossing before its first point.
+  // Higher ground is to the right of the direction of travel, where a probe of one vertex can tell.
+  // Hidden triangles carry no line, and flat ones end it. Moves the TRI_VISITED marks, which stay.
+  // 0 with fewer than three triangles. Threads: a write, for the marks.
+  int GenerateIsoline(std::vector<TPolygon*>& lines, double level);
+
+  // Appends the cross-section of the surface under a straight line in plan, as open lines with a
+  // point wherever the line crosses the side of a triangle, and returns how many were appended. The
+  // line is clipped to the world box. 0 for a line without plan length or outside the world box.
+  //
+  // A line inside one triangle has the height of its start at both ends. A line that ends exactly
+  // at a vertex does not get its end point, and one that runs along a single side keeps only its
+  // start. Crossings between two TRI_OUTSIDE triangles are left out. On a surface with a border
+  // list, a line that leaves the surface and comes back goes on as a new piece, and each piece
+  // before such a gap is appended twice.
+  int GenerateProfile(std::vector<TPolygon>& profiles, TPoint const& from, TPoint const& to) const;
+
+  // The same for each pair of consecutive vertices of `line`, each in entries of its own. The last
+  // vertex is not joined to the first.
+  int GenerateProfile(std::vector<TPolygon>& profiles, TPolygon const& line) const;
+
+  // Measures the surface inside `boundary` against the plane z = 0: `above` and `below` get the
+  // volumes, in the cube of the unit, and the result is true. Returns false, with both as they
+  // were, where GenerateProfile finds nothing along the boundary.
+  //
+  // A triangle counts wholly or not at all, by its centroid. To follow the boundary better, some
+  // points of the profile along it are inserted first, one a piece, and they stay. Values follow
+  // TTriangle::CutFill, its rule for triangles that the plane cuts included. REQUIRES: no argument
+  // is null.
+  bool CalculateVolume(TPolygon const* boundary, double* below, double* above);
+
   // --- Files ----------------------------------------------------------------------------------
 
   // Empties the surface and loads `path`. Always true, whatever the load did.
@@ -217,6 +278,12 @@ class QELTIN_API TIN {
   static bool Intersect(double x, double y, double ux, double uy, TPoint* a, TPoint* b,
                         TPoint& out);
 
+  // Walks from `first` towards `last`, along the line in plan from (x1, y1) to (x2, y2), and
+  // appends a point for every side crossed. Returns false where the walk came to the edge of the
+  // surface.
+  bool SegProfile(TPolygon& profile, TTriangle* first, TTriangle* last, double x1, double y1,
+                  double x2, double y2) const;
+
   TPoint m_WorldMin;
   TPoint m_WorldMax;
   TPoint m_Min;
@@ -234,6 +301,9 @@ class QELTIN_API TIN {
   friend class TINFile;
   friend class Triangulator;
   friend class qeltin::detail::Cavity;
+  friend class qeltin::detail::GridSampler;
+  friend class qeltin::detail::IsolineTracer;
+  friend class qeltin::detail::ProfileTracer;
   friend struct qeltin::testing::TINPeer;
 
   // `p` stands in the pool; `start` is the triangle that holds it, or null to have it located.
