@@ -1,0 +1,122 @@
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "qeltin/kernel/TEdge.h"
+#include "qeltin/products/TPolygon.h"
+#include "qeltin/tin/TIN.h"
+
+namespace {
+
+constexpr double FLAT = 1e-11;  // heights closer than this are one
+constexpr int FEWEST_TRIANGLES = 3;
+
+int Next(int corner) { return corner == 2 ? 0 : corner + 1; }
+
+bool IsFlat(TTriangle const& t) {
+  double const a = t.m_pVertex[0]->z;
+  double const b = t.m_pVertex[1]->z;
+  double const c = t.m_pVertex[2]->z;
+  return std::fabs(a - b) < FLAT && std::fabs(b - c) < FLAT && std::fabs(c - a) < FLAT;
+}
+
+}  // namespace
+
+namespace qeltin::detail {
+
+// Traces the lines of one level over one surface.
+class IsolineTracer {
+ public:
+  IsolineTracer(TIN& tin, double level) : m_Tin(tin), m_dLevel(level) {}
+
+  void Run(std::vector<TPolygon*>& lines) {
+    int const count = m_Tin.GetNumberOfTriangles();
+    for (int i = 0; i < count; ++i) m_Tin.GetTriangle(i, true)->m_Flags &= NOT_VISITED;
+    for (int i = 0; i < count; ++i) {
+      TTriangle* const t = m_Tin.GetTriangle(i, true);
+      if ((t->m_Flags & (TRI_VISITED | TRI_FILTERED | TRI_OUTSIDE)) != 0) continue;
+      if (!m_Tin.InBounds(*t)) continue;
+      if (IsFlat(*t)) {
+        t->m_Flags |= TRI_VISITED;
+        continue;
+      }
+      int const entry = EntryOf(*t);
+      if (entry == 3) continue;
+      lines.push_back(new TPolygon);
+      Trace(t, entry, *lines.back());
+      Orient(*lines.back());
+    }
+  }
+
+ private:
+  static constexpr unsigned char NOT_VISITED = static_cast<unsigned char>(~TRI_VISITED);
+
+  // Half open: an end at the level is above it.
+  bool IsCrossed(TTriangle const& t, int side) const {
+    double const a = t.m_pVertex[side]->z;
+    double const b = t.m_pVertex[Next(side)]->z;
+    return (a >= m_dLevel && b < m_dLevel) || (b >= m_dLevel && a < m_dLevel);
+  }
+
+  // Returns the first crossed side, or 3.
+  int EntryOf(TTriangle const& t) const {
+    int side = 0;
+    while (side < 3 && !IsCrossed(t, side)) ++side;
+    return side;
+  }
+
+  TPoint Crossing(TTriangle const& t, int side) const {
+    TPoint const& a = *t.m_pVertex[side];
+    TPoint const& b = *t.m_pVertex[Next(side)];
+    double const f = (m_dLevel - a.z) / (b.z - a.z);
+    return {a.x + (b.x - a.x) * f, a.y + (b.y - a.y) * f, m_dLevel};
+  }
+
+  void Trace(TTriangle* t, int side, TPolygon& line) {
+    bool first = true;
+    while (side < 3) {  // 3: the neighbour does not lead back
+      TPoint const crossing = Crossing(*t, side);
+      if (m_Tin.InBounds(crossing)) line.Add(crossing);
+      t->m_Flags |= TRI_VISITED;
+      if (!first && !m_Tin.InBounds(*t)) return;
+      first = false;
+
+      int const exit = IsCrossed(*t, Next(side)) ? Next(side) : Next(Next(side));
+      TTriangle* const next = t->m_pAdjacent[exit];
+      if (next == nullptr) return;
+      bool const ends = (next->m_Flags & (TRI_VISITED | TRI_FILTERED)) != 0;
+      if (IsFlat(*next)) {
+        next->m_Flags |= TRI_VISITED;
+        return;
+      }
+      if (ends) return;
+      side = t->TriSide(exit);
+      t = next;
+    }
+  }
+
+  // Higher ground to the right, as far as corner 0 of the triangle at the first point can tell.
+  void Orient(TPolygon& line) {
+    if (line.GetSize() < 1) return;
+    TTriangle const* const found = m_Tin.m_Triangulator.Find(*line.Get(0));
+    if (line.GetSize() < 2 || found == nullptr) return;
+    TPoint const& probe = *found->m_pVertex[0];
+    int const where = TEdge(line.Get(0), line.Get(1)).XY_ClassifyOrientationOf(probe);
+    if ((where == ORIENT_LEFT && probe.z > m_dLevel) ||
+        (where == ORIENT_RIGHT && m_dLevel > probe.z)) {
+      std::reverse(line.Get(0), line.Get(0) + line.GetSize());
+    }
+  }
+
+  TIN& m_Tin;
+  double m_dLevel;
+};
+
+}  // namespace qeltin::detail
+
+int TIN::GenerateIsoline(std::vector<TPolygon*>& lines, double level) {
+  if (GetNumberOfTriangles() < FEWEST_TRIANGLES) return 0;
+  std::size_t const before = lines.size();
+  qeltin::detail::IsolineTracer(*this, level).Run(lines);
+  return static_cast<int>(lines.size() - before);
+}
