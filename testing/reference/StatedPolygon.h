@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "qeltin/kernel/TPoint.h"
+
+// The operations of polygons in their plain form, step by step. Points serve as records only: none
+// of their operations is called.
+namespace qeltin::testing::stated {
+
+// By a ray to the right.
+bool XY_Contains(std::vector<TPoint> const& figure, double x, double y);
+
+// By a slanted ray.
+bool PointInPolygon(std::vector<TPoint> const& figure, TPoint const& p);
+
+// From the corners, by the folded angle at `c`.
+double CircumcircleRadius(TPoint const& a, TPoint const& b, TPoint const& c);
+
+// Ear clipping with a search through all corners for every ear: cubic in the number of vertices.
+bool Triangulate(std::vector<TPoint> const& figure, std::vector<TPoint>& triangles);
+
+}  // namespace qeltin::testing::stated
