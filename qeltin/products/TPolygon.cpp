@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qeltin/products/RayCrossing.h"
+
 TPolygon::TPolygon() : m_pPoints(new std::vector<TPoint>) {}
 
 TPolygon::TPolygon(TPolygon const& other) : TPolygon(*other.m_pPoints) {}
@@ -43,14 +45,8 @@ bool TPolygon::XY_Contains(double x, double y) const {
   if (m_pPoints->size() < 3) return false;
   bool inside = false;
   TPoint const* p = &m_pPoints->back();
-  // Both ends of an edge's range of y count, so the order of the edges does not matter, but the
-  // direction of each does: the crossing is computed from its first vertex.
   for (TPoint const& q : *m_pPoints) {
-    if (std::max(p->x, q.x) >= x && y >= std::min(p->y, q.y) && y <= std::max(p->y, q.y) &&
-        q.y != p->y) {
-      double const m = (q.x - p->x) / (q.y - p->y);
-      if (p->x - p->y * m + m * y >= x) inside = !inside;
-    }
+    if (qeltin::detail::MeetsLevelRay(*p, q, x, y)) inside = !inside;
     p = &q;
   }
   return inside;
@@ -73,17 +69,12 @@ bool TPolygon::PointInPolygon(TPoint const& p) const {
   }
   if (p.x < min.x || p.x > max.x || p.y < min.y || p.y > max.y) return false;
 
-  TPoint const ray(2.0 * dx, dy);
+  qeltin::detail::SlantedRay const ray{p, 2.0 * dx, dy};
   bool inside = false;
-  for (std::size_t i = 0; i < m_pPoints->size(); ++i) {
-    TPoint const& a = (*m_pPoints)[i];
-    TPoint const& b = (*m_pPoints)[i + 1 == m_pPoints->size() ? 0 : i + 1];
-    TPoint const e(a.x - b.x, a.y - b.y);
-    TPoint const q(a.x - p.x, a.y - p.y);
-    double const D = ray.x * e.y - ray.y * e.x;
-    double const N = ray.x * q.y - ray.y * q.x;
-    double const M = e.y * q.x - e.x * q.y;
-    if ((D - N) * N > 0.0 && M * D > 0.0) inside = !inside;
+  TPoint const* a = &m_pPoints->back();
+  for (TPoint const& b : *m_pPoints) {
+    if (ray.Meets(*a, b)) inside = !inside;
+    a = &b;
   }
   return inside;
 }

@@ -1,0 +1,121 @@
+#include "qeltin/products/ContainmentIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <limits>
+
+#include "testing/MakeFigure.h"
+#include "testing/reference/StatedPolygon.h"
+
+namespace {
+
+using namespace qeltin::testing;
+using qeltin::detail::ContainmentIndex;
+
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+constexpr double INFINITE = std::numeric_limits<double>::infinity();
+
+// A place in or about the figure: anywhere, at or beside a vertex, level with one, or on an edge.
+TPoint PlaceAbout(std::vector<TPoint> const& figure, Dice& dice) {
+  int const n = static_cast<int>(figure.size());
+  TPoint const& a = figure[dice.Below(n)];
+  TPoint const& b = figure[dice.Below(n)];
+  TPoint const& next = figure[(&a - figure.data() + 1) % n];
+  switch (dice.Below(6)) {
+    case 0:
+      return {a.x, b.y};
+    case 1:
+      return {dice.Between(a.x, b.x), a.y};
+    case 2:
+      return {a.x * (1.0 + 2.3e-16 * (dice.Below(5) - 2)),
+              a.y * (1.0 + 2.3e-16 * (dice.Below(5) - 2))};
+    case 3:
+      return {(a.x + next.x) / 2, (a.y + next.y) / 2};
+    default:
+      return {a.x + dice.Between(-0.6, 0.6) * (b.x - a.x),
+              b.y + dice.Between(-0.6, 0.6) * (a.y - b.y)};
+  }
+}
+
+void ExpectSameAnswers(std::vector<TPoint> const& figure, int places, Dice& dice) {
+  ContainmentIndex const index{TPolygon(figure)};
+  for (int i = 0; i < places; ++i) {
+    TPoint const place = PlaceAbout(figure, dice);
+    ASSERT_EQ(index.Contains(place.x, place.y), stated::XY_Contains(figure, place.x, place.y))
+        << "at " << place.x << ", " << place.y;
+  }
+}
+
+class ContainmentIndexOf : public ::testing::TestWithParam<Figure> {
+ protected:
+  void Compare(int rounds, int largest, Frame const& frame) {
+    Dice dice(TestSeed());
+    for (int round = 0; round < rounds && !HasFatalFailure(); ++round) {
+      int const count = 1 + dice.Below(largest);
+      std::uint64_t const seed = dice.Bits();
+      SCOPED_TRACE(::testing::Message() << "count " << count << ", figure seed " << seed);
+      ExpectSameAnswers(MakeFigure(GetParam(), count, seed, frame), 100, dice);
+    }
+  }
+};
+
+TEST_P(ContainmentIndexOf, SmallFigures) { Compare(200, 40, AT_ORIGIN); }
+
+TEST_P(ContainmentIndexOf, LargeFigures) { Compare(10, 2000, AT_ORIGIN); }
+
+TEST_P(ContainmentIndexOf, FiguresInProjectedCoordinates) { Compare(50, 300, AT_UTM); }
+
+TEST_P(ContainmentIndexOf, FiguresWhoseCoordinatesAreRoundedHard) { Compare(50, 300, FAR_OUT); }
+
+TEST_P(ContainmentIndexOf, FiguresWithNearlyLevelEdges) {
+  Dice dice(TestSeed());
+  for (int round = 0; round < 200 && !HasFatalFailure(); ++round) {
+    std::vector<TPoint> figure = MakeFigure(GetParam(), 30, dice.Bits(), AT_UTM);
+    for (TPoint& v : figure) {
+      if (dice.OneIn(2)) v.y = 4.9e6 + dice.Below(12) * 1e-9;
+    }
+    ExpectSameAnswers(figure, 100, dice);
+  }
+}
+
+TEST_P(ContainmentIndexOf, FiguresWithCoordinatesOutOfScale) {
+  static constexpr double ODD[] = {-0.0, 5e-324, 1e-200, 1e120, 1e308, INFINITE, NOT_A_NUMBER};
+  Dice dice(TestSeed());
+  for (int round = 0; round < 100 && !HasFatalFailure(); ++round) {
+    std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
+    for (TPoint& v : figure) {
+      if (dice.OneIn(8)) (dice.OneIn(2) ? v.x : v.y) = ODD[dice.Below(std::size(ODD))];
+    }
+    ExpectSameAnswers(figure, 50, dice);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ContainmentIndexOf, ::testing::ValuesIn(ALL_FIGURES),
+                         [](auto const& instance) { return NameOf(instance.param); });
+
+TEST(ContainmentIndex, HoldsNothingBelowThreeVertices) {
+  TPolygon polygon;
+  EXPECT_FALSE(ContainmentIndex(polygon).Contains(0, 0));
+  polygon.Add(0, 0, 0);
+  polygon.Add(0, 2, 0);
+  EXPECT_FALSE(ContainmentIndex(polygon).Contains(0, 1));
+}
+
+TEST(ContainmentIndex, AnswersPlacesThatAreNoNumbersAsThePolygonDoes) {
+  TPolygon const square({TPoint(0, 0), TPoint(0, 10), TPoint(10, 10), TPoint(10, 0)});
+  ContainmentIndex const index(square);
+  static constexpr double ODD[] = {5, INFINITE, -INFINITE, NOT_A_NUMBER};
+  for (double const x : ODD) {
+    for (double const y : ODD) EXPECT_EQ(index.Contains(x, y), square.XY_Contains(x, y)) << x << y;
+  }
+}
+
+TEST(ContainmentIndex, KeepsThePolygonItWasMadeOf) {
+  TPolygon polygon({TPoint(0, 0), TPoint(0, 10), TPoint(10, 10), TPoint(10, 0)});
+  ContainmentIndex const index(polygon);
+  polygon.RemoveAll();
+  EXPECT_TRUE(index.Contains(5, 5));
+}
+
+}  // namespace
