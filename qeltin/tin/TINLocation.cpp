@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "qeltin/tin/PlanRay.h"
 #include "qeltin/tin/TIN.h"
 
 namespace {
@@ -77,25 +78,8 @@ TTriangle* TIN::FindTriangle(TTriangle* start, double x, double y) const {
 }
 
 bool TIN::Intersect(double x, double y, double ux, double uy, TPoint* a, TPoint* b, TPoint& out) {
-  auto const along = [&](TPoint const& p) { return (p.x - x) * ux + (p.y - y) * uy; };
-  auto const across = [&](TPoint const& p) { return (p.y - y) * ux - (p.x - x) * uy; };
-  double const along_a = along(*a);
-  double const along_b = along(*b);
-  double const across_a = across(*a);
-  double const across_b = across(*b);
-
-  if ((across_a > 0.0 && across_b <= 0.0) || (across_a <= 0.0 && across_b > 0.0)) {
-    double const f = across_a / (across_a - across_b);
-    double const t = along_a + (along_b - along_a) * f;
-    if (!(t > 0.0)) return false;
-    out = TPoint(x + t * ux, y + t * uy, a->z + (b->z - a->z) * f);
-    return true;
-  }
-  if (across_a == 0.0 && across_b == 0.0 && along_a != along_b) {
-    out = TPoint(x, y, a->z + (b->z - a->z) * along_a / (along_a - along_b));
-    return true;
-  }
-  return false;
+  qeltin::detail::PlanRay const ray{x, y, ux, uy};
+  return ray.Meets(ray.See(*a), ray.See(*b), out);
 }
 
 TPoint* TIN::FindPoint(TPoint const& p) const {
