@@ -1,6 +1,7 @@
 #include "apps/qeltin/Options.h"
 
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 #include "apps/qeltin/TextOutput.h"
@@ -23,6 +24,17 @@ void AddPrecision(CLI::App& command, NumberStyle& style) {
                   "as read back to the same number")
       ->check(CLI::Range(0, 17).description(""))
       ->type_name("N");
+}
+
+void AddCrs(CLI::App& command, std::string& crs, std::string const& help) {
+  auto const check = [](std::string const& text) {
+    constexpr std::string_view AUTHORITY = "EPSG:";
+    std::string const digits = text.starts_with(AUTHORITY) ? text.substr(AUTHORITY.size()) : "";
+    bool const good = !digits.empty() && digits.size() < 10 &&
+                      digits.find_first_not_of("0123456789") == std::string::npos;
+    return good ? std::string() : '"' + text + "\" is not EPSG:nnnn";
+  };
+  command.add_option("--crs", crs, help)->check(CLI::Validator(check, ""))->type_name("EPSG:nnnn");
 }
 
 CLI::Validator NumberList(int count, std::string const& form) {

@@ -21,6 +21,9 @@ struct CommonOptions {
 // Adds --precision.
 void AddPrecision(CLI::App& command, NumberStyle& style);
 
+// Adds --crs, which takes EPSG:nnnn; `help` tells what it is for.
+void AddCrs(CLI::App& command, std::string& crs, std::string const& help);
+
 // Accepts `count` numbers separated by commas, e.g. 1.5,-2; `form` names them in help and messages.
 CLI::Validator NumberList(int count, std::string const& form);
 

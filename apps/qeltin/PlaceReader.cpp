@@ -22,24 +22,28 @@ bool TakeSeparator(std::string_view& text) {
   return text.size() < before;
 }
 
-bool Parse(std::string_view text, Place& place) {
+}  // namespace
+
+bool ParsePlace(std::string_view text, Place& place) {
   if (!TakeNumber(text, place.x) || !TakeSeparator(text)) return false;
   return TakeNumber(text, place.y) && (text.empty() || TakeSeparator(text));
 }
 
-}  // namespace
+bool NextTrimmed(LineReader& lines, std::string_view& line) {
+  if (!lines.Next(line)) return false;
+  if (lines.Line() == 1 && line.starts_with(BYTE_ORDER_MARK)) {
+    line.remove_prefix(BYTE_ORDER_MARK.size());
+  }
+  SkipBlanks(line);
+  return true;
+}
 
 bool PlaceReader::Next(Place& place) {
   std::string_view line;
-  while (m_Lines.Next(line)) {
-    std::string_view text = line;
-    if (m_Lines.Line() == 1 && text.starts_with(BYTE_ORDER_MARK)) {
-      text.remove_prefix(BYTE_ORDER_MARK.size());
-    }
-    SkipBlanks(text);
-    if (text.empty()) continue;
-    if (Parse(text, place)) return true;
-    throw Failure(m_Lines.Name(), m_Lines.Line(), Quoted(text) + " does not start with x and y");
+  while (NextTrimmed(m_Lines, line)) {
+    if (line.empty()) continue;
+    if (ParsePlace(line, place)) return true;
+    throw Failure(m_Lines.Name(), m_Lines.Line(), Quoted(line) + " does not start with x and y");
   }
   return false;
 }
