@@ -135,4 +135,28 @@ std::vector<TPoint> MakeFigure(Figure figure, int count, std::uint64_t seed, Fra
   return vertices;
 }
 
+TPoint PlaceAbout(std::vector<TPoint> const& figure, Dice& dice) {
+  int const n = static_cast<int>(figure.size());
+  int const first = dice.Below(n);
+  TPoint const& a = figure[first];
+  TPoint const& b = figure[dice.Below(n)];
+  TPoint const& next = figure[(first + 1) % n];
+  auto const beside = [&](double v) { return v * (1.0 + 2.3e-16 * (dice.Below(5) - 2)); };
+  switch (dice.Below(7)) {
+    case 0:
+      return {a.x, b.y};
+    case 1:
+      return {a.x + dice.Unit() * (b.x - a.x), a.y};
+    case 2:
+      return {beside(a.x), beside(a.y)};
+    case 3:
+      return {(a.x + next.x) / 2, (a.y + next.y) / 2};
+    case 4:
+      return {(a.x + b.x) / 2, (a.y + b.y) / 2};
+    default:
+      return {a.x + dice.Between(-0.6, 0.6) * (b.x - a.x),
+              b.y + dice.Between(-0.6, 0.6) * (a.y - b.y)};
+  }
+}
+
 }  // namespace qeltin::testing

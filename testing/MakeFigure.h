@@ -34,4 +34,13 @@ std::ostream& operator<<(std::ostream& out, Figure figure);
 std::vector<TPoint> MakeFigure(Figure figure, int count, std::uint64_t seed,
                                Frame const& frame = AT_ORIGIN);
 
+// Factors that take a figure to where products of its coordinates get lost below the smallest
+// number or past the largest, and to where they just do not.
+inline constexpr double EXTREME_SCALES[] = {1e-300, 1e-170, 1e-155, 1e-110, 1e-80, 1e-54, 1e-48,
+                                            1e66,   1e69,   1e75,   1e90,   1e110, 1e150, 1e300};
+
+// Draws a place in or about the figure: anywhere, at or beside a vertex, level with one, in the
+// middle of an edge or of two vertices. REQUIRES: at least one vertex.
+TPoint PlaceAbout(std::vector<TPoint> const& figure, Dice& dice);
+
 }  // namespace qeltin::testing

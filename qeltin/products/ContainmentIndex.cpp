@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "qeltin/products/Levels.h"
 #include "qeltin/products/RayCrossing.h"
 
 namespace qeltin::detail {
@@ -19,19 +20,21 @@ std::vector<TPoint> VerticesOf(TPolygon const& polygon) {
 // The boxes reach so far left that every crossing, as computed, is inside: where an edge is nearly
 // level the rounding of its crossings is magnified by its slope. A place left of the box so has
 // each edge across its level counted; one right of it has none, by the edges' own largest x.
-std::vector<EdgeTree::Box> BoxesOf(std::vector<TPoint> const& figure) {
+std::vector<PlanBox> BoxesOf(std::vector<TPoint> const& figure) {
   double maxX = 0.0;
   double maxY = 0.0;
   for (TPoint const& v : figure) {
     maxX = std::max(maxX, std::fabs(v.x));
     maxY = std::max(maxY, std::fabs(v.y));
   }
-  std::vector<EdgeTree::Box> boxes;
+  std::vector<PlanBox> boxes;
   boxes.reserve(figure.size());
   for (std::size_t i = 0; i < figure.size(); ++i) {
     TPoint const& p = figure[i];
     TPoint const& q = figure[i + 1 < figure.size() ? i + 1 : 0];
-    EdgeTree::Box box = EdgeTree::BoxOf(p, q);
+    PlanBox box;
+    box.Add(p);
+    box.Add(q);
     if (p.y != q.y) {
       double const slope = std::fabs((q.x - p.x) / (q.y - p.y));
       box.left -= 16 * std::numeric_limits<double>::epsilon() * (slope * maxY + maxX);
@@ -39,14 +42,6 @@ std::vector<EdgeTree::Box> BoxesOf(std::vector<TPoint> const& figure) {
     boxes.push_back(box);
   }
   return boxes;
-}
-
-std::vector<double> LevelsOf(std::vector<TPoint> const& figure) {
-  std::vector<double> levels;
-  levels.reserve(figure.size());
-  for (TPoint const& v : figure) levels.push_back(v.y);
-  std::sort(levels.begin(), levels.end());
-  return levels;
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ class ContainmentIndex {
 
   TPolygon m_Polygon;
   std::vector<TPoint> m_Figure;  // the vertices; none where only the polygon itself can tell
-  std::vector<double> m_Levels;  // the y of each, sorted
+  std::vector<double> m_Levels;  // the y of the vertices, in rising order, each once
   EdgeTree m_Edges;
 };
 

@@ -16,28 +16,6 @@ using qeltin::detail::ContainmentIndex;
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr double INFINITE = std::numeric_limits<double>::infinity();
 
-// A place in or about the figure: anywhere, at or beside a vertex, level with one, or on an edge.
-TPoint PlaceAbout(std::vector<TPoint> const& figure, Dice& dice) {
-  int const n = static_cast<int>(figure.size());
-  TPoint const& a = figure[dice.Below(n)];
-  TPoint const& b = figure[dice.Below(n)];
-  TPoint const& next = figure[(&a - figure.data() + 1) % n];
-  switch (dice.Below(6)) {
-    case 0:
-      return {a.x, b.y};
-    case 1:
-      return {dice.Between(a.x, b.x), a.y};
-    case 2:
-      return {a.x * (1.0 + 2.3e-16 * (dice.Below(5) - 2)),
-              a.y * (1.0 + 2.3e-16 * (dice.Below(5) - 2))};
-    case 3:
-      return {(a.x + next.x) / 2, (a.y + next.y) / 2};
-    default:
-      return {a.x + dice.Between(-0.6, 0.6) * (b.x - a.x),
-              b.y + dice.Between(-0.6, 0.6) * (a.y - b.y)};
-  }
-}
-
 void ExpectSameAnswers(std::vector<TPoint> const& figure, int places, Dice& dice) {
   ContainmentIndex const index{TPolygon(figure)};
   for (int i = 0; i < places; ++i) {
@@ -88,6 +66,18 @@ TEST_P(ContainmentIndexOf, FiguresWithCoordinatesOutOfScale) {
       if (dice.OneIn(8)) (dice.OneIn(2) ? v.x : v.y) = ODD[dice.Below(std::size(ODD))];
     }
     ExpectSameAnswers(figure, 50, dice);
+  }
+}
+
+TEST_P(ContainmentIndexOf, FiguresOfExtremeSize) {
+  Dice dice(TestSeed());
+  for (double const scale : EXTREME_SCALES) {
+    for (int round = 0; round < 10 && !HasFatalFailure(); ++round) {
+      std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
+      for (TPoint& v : figure) v = v * scale;
+      SCOPED_TRACE(scale);
+      ExpectSameAnswers(figure, 100, dice);
+    }
   }
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
-#include "qeltin/products/TPolygon.h"
+#include "qeltin/kernel/TTriangle.h"
+#include "qeltin/products/SlantedRayIndex.h"
+#include "qeltin/products/VertexTree.h"
 
 namespace qeltin::detail {
 
@@ -12,7 +15,8 @@ namespace qeltin::detail {
 // Threads: no state after construction. Concurrent reads are safe.
 class EarTest {
  public:
-  explicit EarTest(std::vector<TPoint> const& figure) : m_Figure(figure), m_Polygon(figure) {}
+  // Keeps a reference to `figure`.
+  explicit EarTest(std::vector<TPoint> const& figure);
 
   // Returns true iff the middle of `a` and `c` is inside the figure by TPolygon::PointInPolygon and
   // the triangle has, by TTriangle::XY_HasPoint, no vertex of the figure but those equal to one of
@@ -20,8 +24,11 @@ class EarTest {
   bool IsEar(TPoint a, TPoint b, TPoint c) const;
 
  private:
+  bool HoldsVertex(TTriangle const& ear) const;
+
   std::vector<TPoint> const& m_Figure;
-  TPolygon m_Polygon;
+  std::optional<VertexTree> m_Vertices;  // none where the triangle itself has to be asked
+  SlantedRayIndex m_Inside;
 };
 
 }  // namespace qeltin::detail

@@ -1,21 +1,13 @@
 #include "qeltin/products/EdgeTree.h"
 
 #include <bit>
-#include <limits>
 
 namespace qeltin::detail {
 
-namespace {
-
-constexpr double INFINITE = std::numeric_limits<double>::infinity();
-constexpr EdgeTree::Box NOTHING{INFINITE, -INFINITE, INFINITE, -INFINITE};
-
-}  // namespace
-
-EdgeTree::EdgeTree(std::vector<TPoint> const& figure, std::vector<Box> const& boxes)
+EdgeTree::EdgeTree(std::vector<TPoint> const& figure, std::vector<PlanBox> const& boxes)
     : m_Figure(figure),
       m_iLeaves(std::bit_ceil((figure.size() + EDGES_A_LEAF - 1) / EDGES_A_LEAF)),
-      m_Boxes(2 * m_iLeaves, NOTHING) {
+      m_Boxes(2 * m_iLeaves) {
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     m_Boxes[m_iLeaves + i / EDGES_A_LEAF].Add(boxes[i]);
   }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
+#include "qeltin/products/PlanBox.h"
 
 namespace qeltin::detail {
 
@@ -15,31 +16,13 @@ namespace qeltin::detail {
 // Threads: no state after construction. Concurrent reads are safe.
 class EdgeTree {
  public:
-  struct Box {
-    double left;
-    double right;
-    double low;
-    double high;
-
-    void Add(Box const& other) {
-      left = std::min(left, other.left);
-      right = std::max(right, other.right);
-      low = std::min(low, other.low);
-      high = std::max(high, other.high);
-    }
-  };
-
-  static Box BoxOf(TPoint const& a, TPoint const& b) {
-    return {std::min(a.x, b.x), std::max(a.x, b.x), std::min(a.y, b.y), std::max(a.y, b.y)};
-  }
-
   // Keeps a reference to `figure`. boxes[i] stands for the edge that starts at vertex i; its range
   // of y is that of the edge, its range of x at least that of the edge. REQUIRES: a box a vertex,
   // coordinates that are numbers.
-  EdgeTree(std::vector<TPoint> const& figure, std::vector<Box> const& boxes);
+  EdgeTree(std::vector<TPoint> const& figure, std::vector<PlanBox> const& boxes);
 
   // Returns the box around all edges. REQUIRES: at least one vertex.
-  Box const& Bounds() const { return m_Boxes[1]; }
+  PlanBox const& Bounds() const { return m_Boxes[1]; }
 
   // A place by its level and two limits, one on either side of it or both on it.
   struct Place {
@@ -59,13 +42,13 @@ class EdgeTree {
   }
 
  private:
-  static constexpr std::size_t EDGES_A_LEAF = 2;
+  static constexpr std::size_t EDGES_A_LEAF = 4;
 
   // The run of `node` is that of `size` edges from `begin`, as far as there are so many.
   template <class Meets>
   bool IsOdd(std::size_t node, std::size_t begin, std::size_t size, Place const& place,
              Meets const& meets) const {
-    Box const& box = m_Boxes[node];
+    PlanBox const& box = m_Boxes[node];
     if (box.low > place.y || box.high < place.y || box.right < place.left) return false;
     std::size_t const end = std::min(begin + size, m_Figure.size());
     if (box.left > place.right) {
@@ -85,7 +68,7 @@ class EdgeTree {
 
   std::vector<TPoint> const& m_Figure;
   std::size_t m_iLeaves;
-  std::vector<Box> m_Boxes;  // the children of node k are 2k and 2k + 1; leaves come last
+  std::vector<PlanBox> m_Boxes;  // the children of node k are 2k and 2k + 1; leaves come last
 };
 
 }  // namespace qeltin::detail

@@ -93,6 +93,15 @@ TEST_P(TriangulateOf, FiguresThatAreLevelUpToRounding) {
   });
 }
 
+TEST_P(TriangulateOf, FiguresOfExtremeSize) {
+  for (double const scale : EXTREME_SCALES) {
+    SCOPED_TRACE(scale);
+    Compare(5, 3, 30, AT_ORIGIN, [=](std::vector<TPoint>& figure, Dice&) {
+      for (TPoint& v : figure) v = v * scale;
+    });
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(All, TriangulateOf, ::testing::ValuesIn(ALL_FIGURES),
                          [](auto const& instance) { return NameOf(instance.param); });
 

@@ -20,18 +20,6 @@ double AngleBetween(double ax, double ay, double bx, double by) {
   return a < 0.0 ? a + 6.283185307179586 : a;
 }
 
-bool IsEar(std::vector<TPoint> const& figure, TPoint a, TPoint b, TPoint c) {
-  TPoint const middle((a.x + c.x) / 2, (a.y + c.y) / 2);
-  if (!PointInPolygon(figure, middle)) return false;
-  TTriangle ear(&a, &b, &c);
-  CalcTri(ear);
-  for (TPoint const& v : figure) {
-    if (Same(v, a) || Same(v, b) || Same(v, c)) continue;
-    if (XY_HasPoint(ear, v)) return false;
-  }
-  return true;
-}
-
 void Emit(TPoint const& a, TPoint const& b, TPoint const& c, std::vector<TPoint>& triangles) {
   triangles.push_back(a);
   triangles.push_back(b);
@@ -101,6 +89,18 @@ double CircumcircleRadius(TPoint const& a, TPoint const& b, TPoint const& c) {
   double const s = std::sin(AngleBetween(a.x - c.x, a.y - c.y, b.x - c.x, b.y - c.y));
   if (s == 0.0) return 3.4028234663852886e38;
   return std::fabs(Length(a.x - b.x, a.y - b.y) / (2 * s));
+}
+
+bool IsEar(std::vector<TPoint> const& figure, TPoint a, TPoint b, TPoint c) {
+  TPoint const middle((a.x + c.x) / 2, (a.y + c.y) / 2);
+  if (!PointInPolygon(figure, middle)) return false;
+  TTriangle ear(&a, &b, &c);
+  CalcTri(ear);
+  for (TPoint const& v : figure) {
+    if (Same(v, a) || Same(v, b) || Same(v, c)) continue;
+    if (XY_HasPoint(ear, v)) return false;
+  }
+  return true;
 }
 
 bool Triangulate(std::vector<TPoint> const& figure, std::vector<TPoint>& triangles) {

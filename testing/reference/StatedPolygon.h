@@ -17,6 +17,9 @@ bool PointInPolygon(std::vector<TPoint> const& figure, TPoint const& p);
 // From the corners, by the folded angle at `c`.
 double CircumcircleRadius(TPoint const& a, TPoint const& b, TPoint const& c);
 
+// Whether these three, successive in what is left of the figure, may be clipped from it.
+bool IsEar(std::vector<TPoint> const& figure, TPoint a, TPoint b, TPoint c);
+
 // Ear clipping with a search through all corners for every ear: cubic in the number of vertices.
 bool Triangulate(std::vector<TPoint> const& figure, std::vector<TPoint>& triangles);
 

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <vector>
+
+#include "qeltin/kernel/TPoint.h"
+#include "qeltin/products/EdgeTree.h"
+#include "qeltin/products/TPolygon.h"
+
+namespace qeltin::detail {
+
+// Answers TPolygon::PointInPolygon for many places, the same for each one to the bit, in time that
+// grows with the few edges near the place instead of all.
+//
+// Threads: no state after construction. Concurrent reads are safe.
+class SlantedRayIndex {
+ public:
+  explicit SlantedRayIndex(std::vector<TPoint> const& figure);
+  SlantedRayIndex(SlantedRayIndex const&) = delete;
+  SlantedRayIndex& operator=(SlantedRayIndex const&) = delete;
+
+  bool Contains(TPoint const& p) const;
+
+ private:
+  double SmallestRise(double y) const;
+
+  TPolygon m_Polygon;
+  std::vector<TPoint> m_Figure;  // the vertices; none where only the polygon itself can tell
+  std::vector<double> m_Levels;  // the y of the vertices, in rising order, each once
+  EdgeTree m_Edges;
+};
+
+}  // namespace qeltin::detail
