@@ -84,9 +84,7 @@ std::unique_ptr<TIN> Build(std::vector<IPoint>& points, std::optional<Box> const
   std::unique_ptr<TIN> tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
   result.facts = FactsOf(*tin);
   // In the order of the files every triangle may be hidden, however sound the surface is.
-  if (result.facts.visible_triangles == 0 && !options.keep_order) {
-    throw Failure(name, "the points span no area: no triangle is visible");
-  }
+  if (!options.keep_order) RequireVisible(*tin, name);
   return tin;
 }
 
@@ -146,8 +144,8 @@ void AddBuild(CLI::App& application) {
   CLI::App* const command = application.add_subcommand("build", "Build a surface from points");
   command
       ->add_option("inputs", options->inputs,
-                   "XYZ texts (- is standard input) and stored surfaces,\n"
-                   "whose points are taken")
+                   "XYZ texts (- is standard input), LAS files, vector data\n"
+                   "and stored surfaces, whose points are taken")
       ->required()
       ->type_name("FILE");
   command->add_option("-o,--output", options->output, "The surface to write; its name ends in .tin")

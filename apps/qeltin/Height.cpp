@@ -109,7 +109,10 @@ void AddHeight(CLI::App& application) {
   auto const options = std::make_shared<HeightOptions>();
   CLI::App* const command =
       application.add_subcommand("height", "Tell the heights of a surface at places");
-  command->add_option("surface", options->surface, "A .tin or .ttm surface, or an XYZ text")
+  command
+      ->add_option("surface", options->surface,
+                   "A .tin or .ttm surface, or points: an XYZ text, a LAS\n"
+                   "file or vector data")
       ->required()
       ->type_name("FILE");
   command->add_option("--at", options->at, "A place; may be given many times")

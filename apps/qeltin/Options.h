@@ -35,5 +35,6 @@ void AddSample(CLI::App& application);
 void AddBuild(CLI::App& application);
 void AddInfo(CLI::App& application);
 void AddHeight(CLI::App& application);
+void AddConvert(CLI::App& application);
 
 }  // namespace qeltin::cli

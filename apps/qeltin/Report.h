@@ -20,6 +20,9 @@ class Report {
   // Two lines: the lower and the upper corner.
   void Add(std::string const& label, Box const& box);
 
+  // What there is to tell about a surface.
+  void Add(SurfaceFacts const& facts);
+
   // Returns the lines, without an end after the last.
   std::string Text() const;
 
@@ -30,6 +33,9 @@ class Report {
 
 // Returns {"min": [x, y, z], "max": [x, y, z]}.
 nlohmann::ordered_json ToJson(Box const& box, NumberStyle style);
+
+// Adds the same facts, each under its name.
+void AddTo(nlohmann::ordered_json& json, SurfaceFacts const& facts, NumberStyle style);
 
 // Returns `json` as text, whatever bytes the file names in it are made of.
 std::string Dump(nlohmann::ordered_json const& json);

@@ -7,10 +7,13 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 
 #include "apps/qeltin/Failure.h"
+#include "apps/qeltin/LasReader.h"
 #include "apps/qeltin/Numbers.h"
+#include "apps/qeltin/PointLayer.h"
 
 namespace qeltin::cli {
 
@@ -84,7 +87,7 @@ double NativeSize(Bytes& file, int version) {
   return triangle_count + 4.0 + per_triangle * file.Count(triangle_count);
 }
 
-int CheckNative(Bytes& file, std::string const& name) {
+int CheckNative(Bytes& file, std::string const& name, Wholeness wholeness) {
   if (!file.HasText(0, NATIVE_MAGIC, sizeof NATIVE_MAGIC)) {
     throw Failure(name, "is not a surface file, although its name ends like one");
   }
@@ -93,15 +96,16 @@ int CheckNative(Bytes& file, std::string const& name) {
   if (version < 0 || version > NEWEST_VERSION) {
     throw Failure(name, "is of version " + std::to_string(version) + ", and 0 to 3 are known");
   }
-  file.CheckSize(NativeSize(file, version));
+  if (wholeness == Wholeness::WHOLE) file.CheckSize(NativeSize(file, version));
   return version;
 }
 
-void CheckTrimble(Bytes& file, std::string const& name) {
+void CheckTrimble(Bytes& file, std::string const& name, Wholeness wholeness) {
   if (!file.HasText(TRIMBLE_MAGIC_OFFSET, TRIMBLE_MAGIC, sizeof TRIMBLE_MAGIC - 1)) {
     throw Failure(name, "is not a Trimble terrain model, although its name ends like one");
   }
   file.CheckSize(TRIMBLE_HEADER);
+  if (wholeness == Wholeness::HEADER) return;
   constexpr double TABLES[] = {109, 119, 129, 139};
   for (double const table : TABLES) {
     double const count = file.At<std::uint32_t>(table + 4);
@@ -119,26 +123,60 @@ void CheckText(Bytes& file, std::string const& name) {
   }
 }
 
+std::string InLowerCase(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+// Returns what follows the last point of the file's name, in lower case.
+std::string ExtensionOf(std::string const& name) {
+  std::string const extension = std::filesystem::path(name).extension().string();
+  return extension.empty() ? extension : InLowerCase(extension.substr(1));
+}
+
+// These are texts whatever else may be kept in files of that name.
+bool IsTextExtension(std::string const& extension) {
+  constexpr std::array TEXTS = {"", "xyz", "txt", "csv", "dat", "asc", "pts"};
+  return std::find(TEXTS.begin(), TEXTS.end(), extension) != TEXTS.end();
+}
+
 }  // namespace
 
 FileKind KindByName(std::string const& name) {
-  std::string ending = name.size() < 3 ? name : name.substr(name.size() - 3);
-  for (char& c : ending) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return ending == "tin" ? FileKind::NATIVE : ending == "ttm" ? FileKind::TRIMBLE : FileKind::TEXT;
+  std::string const ending = InLowerCase(name.size() < 3 ? name : name.substr(name.size() - 3));
+  if (ending == "tin") return FileKind::NATIVE;
+  if (ending == "ttm") return FileKind::TRIMBLE;
+  std::string const extension = ExtensionOf(name);
+  if (extension == "las" || extension == "laz") return FileKind::LAS;
+  if (IsTextExtension(extension)) return FileKind::TEXT;
+  return IsVectorExtension(extension) ? FileKind::VECTOR : FileKind::TEXT;
+}
+
+FileKind KindOf(std::string const& name) {
+  FileKind const kind = KindByName(name);
+  return kind == FileKind::TEXT && HasLasSignature(name) ? FileKind::LAS : kind;
+}
+
+bool IsStoredSurface(FileKind kind) {
+  return kind == FileKind::NATIVE || kind == FileKind::TRIMBLE;
 }
 
 char const* KindWord(FileKind kind) {
-  return kind == FileKind::NATIVE ? "tin" : kind == FileKind::TRIMBLE ? "ttm" : "xyz";
+  constexpr char const* WORDS[] = {"tin", "ttm", "xyz", "las", "vector"};
+  return WORDS[static_cast<int>(kind)];
 }
 
-StoredFile LookAt(std::string const& name) {
-  FileKind const kind = KindByName(name);
+StoredFile LookAt(std::string const& name, Wholeness wholeness) {
+  FileKind const kind = KindOf(name);
   StoredFile result;
   struct stat status {};
   if (stat(name.c_str(), &status) != 0) throw Failure(name, SystemReason(errno));
-  if (S_ISDIR(status.st_mode)) throw Failure(name, "is a folder");
+  if (S_ISDIR(status.st_mode)) {
+    if (kind == FileKind::VECTOR) return result;
+    throw Failure(name, "is a folder");
+  }
   if (!S_ISREG(status.st_mode)) {
     if (kind == FileKind::TEXT) return result;
     throw Failure(name, "is not an ordinary file");
@@ -148,13 +186,16 @@ StoredFile LookAt(std::string const& name) {
   if (status.st_size == 0) throw Failure(name, "is empty");
   switch (kind) {
     case FileKind::NATIVE:
-      result.version = CheckNative(file, name);
+      result.version = CheckNative(file, name, wholeness);
       break;
     case FileKind::TRIMBLE:
-      CheckTrimble(file, name);
+      CheckTrimble(file, name, wholeness);
       break;
     case FileKind::TEXT:
       CheckText(file, name);
+      break;
+    case FileKind::LAS:
+    case FileKind::VECTOR:
       break;
   }
   return result;

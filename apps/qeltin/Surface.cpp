@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 
+#include "apps/qeltin/Failure.h"
 #include "apps/qeltin/Progress.h"
 
 namespace qeltin::cli {
@@ -40,15 +41,6 @@ class VertexMarks {
   TPoint const* m_pFirst = nullptr;
   std::vector<bool> m_Marked;
 };
-
-Box BoundsOf(std::vector<IPoint> const& points) {
-  Box box{points.front(), points.front()};
-  for (IPoint const& p : points) {
-    box.min = {std::min(box.min.x, p.x), std::min(box.min.y, p.y), std::min(box.min.z, p.z)};
-    box.max = {std::max(box.max.x, p.x), std::max(box.max.y, p.y), std::max(box.max.z, p.z)};
-  }
-  return box;
-}
 
 double PlanDistance(IPoint const& a, IPoint const& b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
@@ -90,23 +82,24 @@ void InsertShuffled(TIN& tin, std::vector<IPoint> const& points, Box const& box)
 
 // Unlike TTriangle::Area this multiplies differences, so that a small triangle far from the origin
 // keeps its digits.
-double PlanArea(TTriangle const& triangle) {
-  TPoint const& a = *triangle.m_pVertex[0];
-  TPoint const& b = *triangle.m_pVertex[1];
-  TPoint const& c = *triangle.m_pVertex[2];
+double PlanArea(TPoint const& a, TPoint const& b, TPoint const& c) {
   return std::fabs((b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y)) / 2;
 }
 
-void Count(TTriangle const& triangle, SurfaceFacts& facts) {
-  ++facts.visible_triangles;
-  facts.area += PlanArea(triangle);
-  for (TPoint const* corner : triangle.m_pVertex) {
-    facts.lowest = std::min(facts.lowest, corner->z);
-    facts.highest = std::max(facts.highest, corner->z);
-  }
+}  // namespace
+
+void Extent::Add(IPoint const& p) {
+  if (m_iCount++ == 0) m_Box = {p, p};
+  m_Box.min = {std::min(m_Box.min.x, p.x), std::min(m_Box.min.y, p.y), std::min(m_Box.min.z, p.z)};
+  m_Box.max = {std::max(m_Box.max.x, p.x), std::max(m_Box.max.y, p.y), std::max(m_Box.max.z, p.z)};
 }
 
-}  // namespace
+void RequireVisible(TIN const& tin, std::string const& file) {
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    if (tin.GetTriangle(i, false) != nullptr) return;
+  }
+  throw Failure(file, "the points span no area: no triangle is visible");
+}
 
 std::string WhyNoSurface(std::vector<IPoint> const& points) {
   constexpr double SAME_PLACE = 0.001;  // the library's tolerance
@@ -132,29 +125,58 @@ bool IsSeedCorner(TPoint const& p, Box const& world) {
          (p.y == world.min.y || p.y == world.max.y);
 }
 
-SurfaceFacts FactsOf(TIN const& tin) {
-  SurfaceFacts facts;
-  facts.points = tin.GetNumberOfPoints();
-  facts.triangles = tin.GetNumberOfTriangles();
-  tin.GetBounds(facts.bounds.min, facts.bounds.max);
-  tin.GetWorldBounds(facts.world_bounds.min, facts.world_bounds.max);
+FactsGatherer::FactsGatherer(Box const& bounds, Box const& world_bounds) {
+  m_Facts.bounds = bounds;
+  m_Facts.world_bounds = world_bounds;
+  m_Facts.lowest = std::numeric_limits<double>::infinity();
+  m_Facts.highest = -m_Facts.lowest;
+}
 
-  facts.lowest = std::numeric_limits<double>::infinity();
-  facts.highest = -facts.lowest;
-  VertexMarks marks(tin);
-  for (int i = 0; i < facts.triangles; ++i) {
-    TTriangle const& triangle = *tin.GetTriangle(i, true);
-    for (TPoint const* corner : triangle.m_pVertex) marks.Mark(corner);
-    if (!triangle.IsHidden()) Count(triangle, facts);
+void FactsGatherer::AddVisibleTriangle(TPoint const& a, TPoint const& b, TPoint const& c) {
+  ++m_Facts.triangles;
+  ++m_Facts.visible_triangles;
+  m_Facts.area += PlanArea(a, b, c);
+  for (TPoint const* corner : {&a, &b, &c}) {
+    m_Facts.lowest = std::min(m_Facts.lowest, corner->z);
+    m_Facts.highest = std::max(m_Facts.highest, corner->z);
   }
+}
+
+void FactsGatherer::AddPoint(TPoint const& p, bool vertex) {
+  ++m_Facts.points;
+  if (IsSeedCorner(p, m_Facts.world_bounds)) return;
+  ++m_Facts.data_points;
+  if (vertex) ++m_Facts.vertices;
+}
+
+SurfaceFacts FactsGatherer::Facts() const {
+  SurfaceFacts facts = m_Facts;
   if (facts.visible_triangles == 0) facts.lowest = facts.highest = 0.0;
-  for (int i = 0; i < facts.points; ++i) {
-    TPoint const* const p = tin.GetPoint(i);
-    if (IsSeedCorner(*p, facts.world_bounds)) continue;
-    ++facts.data_points;
-    if (marks.Has(p)) ++facts.vertices;
-  }
   return facts;
+}
+
+SurfaceFacts FactsOf(TIN const& tin) {
+  Box bounds;
+  Box world;
+  tin.GetBounds(bounds.min, bounds.max);
+  tin.GetWorldBounds(world.min, world.max);
+  FactsGatherer gatherer(bounds, world);
+  VertexMarks marks(tin);
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    TTriangle const& triangle = *tin.GetTriangle(i, true);
+    TPoint const* const* const corners = triangle.m_pVertex;
+    for (int k = 0; k < 3; ++k) marks.Mark(corners[k]);
+    if (triangle.IsHidden()) {
+      gatherer.AddHiddenTriangle();
+    } else {
+      gatherer.AddVisibleTriangle(*corners[0], *corners[1], *corners[2]);
+    }
+  }
+  for (int i = 0; i < tin.GetNumberOfPoints(); ++i) {
+    TPoint const* const p = tin.GetPoint(i);
+    gatherer.AddPoint(*p, marks.Has(p));
+  }
+  return gatherer.Facts();
 }
 
 std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
@@ -164,7 +186,9 @@ std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
   if (keep_order) {
     tin->Create(&points);
   } else {
-    Box box = BoundsOf(points);
+    Extent extent;
+    for (IPoint const& p : points) extent.Add(p);
+    Box box = extent.Bounds();
     if (bounds) {
       box = {{bounds->min.x, bounds->min.y, box.min.z}, {bounds->max.x, bounds->max.y, box.max.z}};
     }

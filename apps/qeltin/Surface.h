@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
@@ -16,6 +17,21 @@ struct Box {
   bool Has(IPoint const& p) const {
     return p.x >= min.x && p.x <= max.x && p.y >= min.y && p.y <= max.y;
   }
+};
+
+// The box of points that come one by one.
+class Extent {
+ public:
+  void Add(IPoint const& p);
+
+  long long Count() const { return m_iCount; }
+
+  // At zero without points.
+  Box const& Bounds() const { return m_Box; }
+
+ private:
+  Box m_Box;
+  long long m_iCount = 0;
 };
 
 // What there is to tell about a surface.
@@ -34,6 +50,23 @@ struct SurfaceFacts {
 
 SurfaceFacts FactsOf(TIN const& tin);
 
+// Gathers the facts of a surface element by element.
+class FactsGatherer {
+ public:
+  FactsGatherer(Box const& bounds, Box const& world_bounds);
+
+  void AddHiddenTriangle() { ++m_Facts.triangles; }
+  void AddVisibleTriangle(TPoint const& a, TPoint const& b, TPoint const& c);
+
+  // `vertex` tells whether a triangle, hidden ones too, has the point as a corner.
+  void AddPoint(TPoint const& p, bool vertex);
+
+  SurfaceFacts Facts() const;
+
+ private:
+  SurfaceFacts m_Facts;
+};
+
 // Returns true iff `p` stands exactly where a corner of the seed rectangle does.
 bool IsSeedCorner(TPoint const& p, Box const& world);
 
@@ -45,6 +78,9 @@ bool IsSeedCorner(TPoint const& p, Box const& world);
 // REQUIRES: WhyNoSurface has nothing to say; the points lie inside `bounds`.
 std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
                                   std::optional<Box> const& bounds, bool quiet);
+
+// Throws Failure, in the name of `file`, where the surface shows no triangle.
+void RequireVisible(TIN const& tin, std::string const& file);
 
 // Returns why no surface can be made of `points`, in words that follow "FILE: ", or an empty text.
 // Fewer than three, all within 0.001 of one place or of one line, coordinates that overflow where

@@ -1,10 +1,14 @@
 #include "apps/qeltin/SurfaceInput.h"
 
+#include <charconv>
 #include <chrono>
 #include <optional>
+#include <string_view>
 
 #include "apps/qeltin/Failure.h"
 #include "apps/qeltin/Interrupt.h"
+#include "apps/qeltin/LasInput.h"
+#include "apps/qeltin/PointLayer.h"
 #include "apps/qeltin/Progress.h"
 #include "apps/qeltin/StoredFile.h"
 #include "apps/qeltin/Surface.h"
@@ -59,12 +63,47 @@ std::unique_ptr<TIN> LoadStored(std::string const& name, InputOptions const& opt
   return tin;
 }
 
-std::unique_ptr<TIN> BuildFromText(std::string const& name, InputOptions const& options) {
+std::unique_ptr<TIN> BuildFromPoints(std::string const& name, InputOptions const& options) {
   std::vector<IPoint> points;
   AppendPoints(name, options, points);
   std::string const why = WhyNoSurface(points);
   if (!why.empty()) throw Failure(name, why);
-  return BuildSurface(points, false, {}, options.quiet);
+  std::unique_ptr<TIN> tin = BuildSurface(points, false, {}, options.quiet);
+  RequireVisible(*tin, name);
+  return tin;
+}
+
+void ReadStoredPoints(std::string const& name, InputOptions const& options,
+                      std::function<void(IPoint const&)> const& take) {
+  std::unique_ptr<TIN> const tin = LoadStored(name, options);
+  Box world;
+  tin->GetWorldBounds(world.min, world.max);
+  for (int i = 0; i < tin->GetNumberOfPoints(); ++i) {
+    TPoint const& p = *tin->GetPoint(i);
+    if (!IsSeedCorner(p, world)) take({p.x, p.y, p.z});
+  }
+}
+
+// Reads a list like 2,9. Returns nothing where `text` is none.
+std::optional<std::bitset<CLASS_COUNT>> ParseClasses(std::string_view text) {
+  std::bitset<CLASS_COUNT> classes;
+  for (;;) {
+    unsigned number = CLASS_COUNT;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || number >= CLASS_COUNT) return {};
+    classes.set(number);
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    if (text.empty()) return classes;
+    if (!text.starts_with(',')) return {};
+    text.remove_prefix(1);
+  }
+}
+
+// What was asked for and this kind of file does not have is told.
+void NoteUnused(std::string const& name, FileKind kind, InputOptions const& options) {
+  if (options.classes && kind != FileKind::LAS) {
+    options.Note(name + ": its points have no classes: all are taken");
+  }
 }
 
 }  // namespace
@@ -73,28 +112,58 @@ void InputOptions::AddTo(CLI::App& command) {
   command.add_flag("--lenient", lenient,
                    "Read a text as a stream of triples up to the first\n"
                    "that is none; otherwise each line must be a point");
+  auto const check = [](std::string& text) {
+    return ParseClasses(text) ? std::string()
+                              : '"' + text + "\" is not a list of classes from 0 to 255, as in 2,9";
+  };
+  command
+      .add_option_function<std::string>(
+          "--class", [this](std::string const& text) { classes = ParseClasses(text); },
+          "Of a LAS file, take the points of these classes alone")
+      ->check(CLI::Validator(check, ""))
+      ->type_name("N[,N]");
+  command
+      .add_option("--layer", layer,
+                  "Of vector data, the layer of points to read; needed\n"
+                  "where there are several")
+      ->type_name("NAME");
+  command
+      .add_option("--z-field", z_field,
+                  "Of vector data, the field that holds the heights;\n"
+                  "without it they are the z of the points")
+      ->type_name("NAME");
   CommonOptions::AddTo(command);
 }
 
 std::unique_ptr<TIN> OpenSurface(std::string const& name, InputOptions const& options) {
-  bool const text = KindByName(name) == FileKind::TEXT;
-  return text ? BuildFromText(name, options) : LoadStored(name, options);
+  return IsStoredSurface(KindOf(name)) ? LoadStored(name, options) : BuildFromPoints(name, options);
+}
+
+void ReadPoints(std::string const& name, InputOptions const& options,
+                std::function<void(IPoint const&)> const& take) {
+  FileKind const kind = KindOf(name);
+  NoteUnused(name, kind, options);
+  if (kind != FileKind::TEXT || name != "-") LookAt(name);
+  switch (kind) {
+    case FileKind::NATIVE:
+    case FileKind::TRIMBLE:
+      ReadStoredPoints(name, options, take);
+      break;
+    case FileKind::TEXT:
+      ReadXyz(name, options, take);
+      break;
+    case FileKind::LAS:
+      ReadLas(name, options, take);
+      break;
+    case FileKind::VECTOR:
+      ReadPointLayer(name, options, take);
+      break;
+  }
 }
 
 void AppendPoints(std::string const& name, InputOptions const& options,
                   std::vector<IPoint>& points) {
-  if (KindByName(name) == FileKind::TEXT) {
-    if (name != "-") LookAt(name);
-    ReadXyz(name, options, [&points](IPoint const& p) { points.push_back(p); });
-    return;
-  }
-  std::unique_ptr<TIN> const tin = LoadStored(name, options);
-  Box world;
-  tin->GetWorldBounds(world.min, world.max);
-  for (int i = 0; i < tin->GetNumberOfPoints(); ++i) {
-    TPoint const& p = *tin->GetPoint(i);
-    if (!IsSeedCorner(p, world)) points.push_back({p.x, p.y, p.z});
-  }
+  ReadPoints(name, options, [&points](IPoint const& p) { points.push_back(p); });
 }
 
 void SaveSurface(TIN const& tin, std::string const& file, std::string const& told, bool quiet) {

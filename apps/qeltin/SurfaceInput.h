@@ -1,6 +1,9 @@
 #pragma once
 
+#include <bitset>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,19 +12,29 @@
 
 namespace qeltin::cli {
 
+inline constexpr std::size_t CLASS_COUNT = 256;  // of the classes that a LAS point can have
+
 // How input files are read.
 struct InputOptions : CommonOptions {
   bool lenient = false;
+  std::optional<std::bitset<CLASS_COUNT>> classes;  // those wanted of a LAS file; without, all
+  std::string layer;                                // of vector data; may be empty
+  std::string z_field;                              // likewise
 
-  // Adds the common options and --lenient.
+  // Adds the common options and those above.
   void AddTo(CLI::App& command);
 };
 
-// Loads the surface in a stored file, or builds that of a text. Throws Failure where there is none.
+// Loads the surface in a stored file, or builds that of a file of points. Throws Failure where
+// there is none.
 std::unique_ptr<TIN> OpenSurface(std::string const& name, InputOptions const& options);
 
-// Appends the points of a text, or the data points of a stored surface, in their order. Throws
-// Failure.
+// Hands every point of a file to `take`, in their order: of a stored surface, the data points.
+// Throws Failure.
+void ReadPoints(std::string const& name, InputOptions const& options,
+                std::function<void(IPoint const&)> const& take);
+
+// Appends the points that ReadPoints gives.
 void AppendPoints(std::string const& name, InputOptions const& options,
                   std::vector<IPoint>& points);
 

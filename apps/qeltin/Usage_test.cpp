@@ -13,7 +13,7 @@ using ::testing::StartsWith;
 class Usage : public CommandTest {};
 
 TEST_F(Usage, HelpGoesToStandardOutput) {
-  for (std::string const command : {"", "sample", "build", "info", "height"}) {
+  for (std::string const command : {"", "sample", "build", "info", "height", "convert"}) {
     for (std::string const flag : {"-h", "--help"}) {
       Ran const ran =
           MustRun(command.empty() ? std::vector{flag} : std::vector<std::string>{command, flag});
@@ -55,6 +55,20 @@ TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
       {"info"},
       {"info", "s.xyz", "s.xyz"},
       {"info", "s.xyz", "--precision", "-1"},
+      {"info", "s.xyz", "--class"},
+      {"info", "s.xyz", "--class", ""},
+      {"info", "s.xyz", "--class", "x"},
+      {"info", "s.xyz", "--class", "256"},
+      {"info", "s.xyz", "--class", "-1"},
+      {"info", "s.xyz", "--class", "2,"},
+      {"info", "s.xyz", "--class", "2 3"},
+      {"info", "s.xyz", "--class", "2.5"},
+      {"convert"},
+      {"convert", "s.xyz"},
+      {"convert", "s.xyz", "s.tin", "more"},
+      {"convert", "s.xyz", "-", "--json"},
+      {"convert", "s.xyz", "s.ttm"},
+      {"convert", "s.xyz", "s.tin", "--bounds", "0,0,1,1"},
       {"height"},
       {"height", "s.xyz"},
       {"height", "s.xyz", "--at"},
@@ -91,7 +105,7 @@ TEST_F(Usage, TheManualTellsEveryOption) {
   std::ifstream manual(source / "docs/man/qeltin.1");
   std::string const text{std::istreambuf_iterator<char>(manual), {}};
   ASSERT_NE(text, "");
-  for (std::string const command : {"sample", "build", "info", "height"}) {
+  for (std::string const command : {"sample", "build", "info", "height", "convert"}) {
     for (std::string const& option : LongOptions(MustRun({command, "--help"}).out)) {
       EXPECT_THAT(text, HasSubstr("Fl " + option.substr(1))) << command;
     }

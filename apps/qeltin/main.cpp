@@ -34,12 +34,13 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddBuild(application);
   AddInfo(application);
   AddHeight(application);
+  AddConvert(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
   try {
     application.parse(argc, argv);
     if (application.get_subcommands().empty()) {
-      throw UsageFailure("which command? sample, build, info or height");
+      throw UsageFailure("which command? sample, build, info, height or convert");
     }
   } catch (CLI::Success const& e) {
     return application.exit(e);
