@@ -41,6 +41,10 @@ struct TINPeer {
                         TPoint& out) {
     return TIN::Intersect(x, y, ux, uy, a, b, out);
   }
+  static bool SegProfile(TIN const& tin, TPolygon& profile, TTriangle* first, TTriangle* last,
+                         TPoint const& from, TPoint const& to) {
+    return tin.SegProfile(profile, first, last, from.x, from.y, to.x, to.y);
+  }
 };
 
 }  // namespace qeltin::testing

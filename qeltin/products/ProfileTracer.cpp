@@ -59,13 +59,18 @@ void ProfileTracer::Locate() {
   m_pLast = location.Find(m_To);
 }
 
-void ProfileTracer::GiveSteps() { m_iSteps = 4LL * (m_Tin.GetNumberOfTriangles() + 1); }
+void ProfileTracer::GiveSteps() {
+  m_iSteps = 4LL * (m_Tin.GetNumberOfTriangles() + 1);
+  m_iRestarts = m_bGaps ? m_Tin.m_pBorder->m_iCount + 3 : 1;
+}
 
 // Returns true iff there is to be another pass.
 bool ProfileTracer::TracePass(std::vector<TPolygon>& profiles) {
   if (!Aim()) return false;
   if ((m_pFirst == nullptr || m_pLast == nullptr) && m_bGaps && !FindSurface()) return false;
   if (m_pFirst == nullptr) return false;
+  bool const crossed_gap = !m_From.XY_EqualsTo(m_Origin);
+  if (!crossed_gap && m_iRestarts-- <= 0) return false;
 
   // A piece that another pass follows is appended again.
   AppendPiece(profiles);

@@ -57,9 +57,11 @@ class ProfileTracer {
   TIN const& m_Tin;
   bool m_bGaps;
 
-  // Steps and passes left before the line is given up. A walk comes to a triangle over each of its
-  // sides once at most, so that one with more steps than that goes in circles.
+  // What is left before the line is given up: steps and passes, and passes that may begin on the
+  // surface, where nothing has to be crossed. A line that needs more goes in circles, or creeps
+  // along a row of sides.
   long long m_iSteps = 0;
+  int m_iRestarts = 0;
 
   // What is left of the line, and the triangles at its ends.
   TPoint m_From;

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "qeltin/products/ProfileScout.h"
+
 namespace qeltin::detail {
 
 namespace {
@@ -79,7 +81,10 @@ bool ProfileWalk::Run(TTriangle const* first, TTriangle const* last) {
   }
 
   int back = first->TriSide(exit);
+  ProfileScout scout(m_Ray, last);
   while (back < 3 && m_iSteps-- > 0) {
+    FetchNext(*t, back);
+    scout.Step(m_Ahead.along);
     if (Enter(t, back)) return true;  // the end itself is left out
     if (!m_bMet) m_Ray.Meets(m_Right, m_Left, m_Crossing);
     if (!IsOutside(*t) || !IsOutside(*t->m_pAdjacent[back])) m_Points.push_back(m_Crossing);

@@ -208,7 +208,8 @@ class QELTIN_API TIN {
 
   // Appends the cross-section of the surface under a straight line in plan, as open lines with a
   // point wherever the line crosses the side of a triangle, and returns how many were appended. The
-  // line is clipped to the world box. 0 for a line without plan length or outside the world box.
+  // line is clipped to the world box. 0 for a line without plan length, outside the world box, or
+  // with an end at no finite place.
   //
   // A line inside one triangle has the height of its start at both ends. A line that ends exactly
   // at a vertex does not get its end point, and one that runs along a single side keeps only its
@@ -218,7 +219,7 @@ class QELTIN_API TIN {
   int GenerateProfile(std::vector<TPolygon>& profiles, TPoint const& from, TPoint const& to) const;
 
   // The same for each pair of consecutive vertices of `line`, each in entries of its own. The last
-  // vertex is not joined to the first.
+  // vertex is not joined to the first. REQUIRES: `line` is no entry of `profiles`.
   int GenerateProfile(std::vector<TPolygon>& profiles, TPolygon const& line) const;
 
   // Measures the surface inside `boundary` against the plane z = 0: `above` and `below` get the
