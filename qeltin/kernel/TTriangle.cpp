@@ -20,6 +20,30 @@ TEdge FreeEdge(TTriangle const& t, int i) {
   }
 }
 
+bool AllAtLeast(double limit, double a, double b, double c) {
+  return a >= limit && b >= limit && c >= limit;
+}
+
+bool AllAtMost(double limit, double a, double b, double c) {
+  return a <= limit && b <= limit && c <= limit;
+}
+
+// Where the side from `lone` to `other` meets the plane z = 0, in plan.
+TPoint MeetsPlane(TPoint const& lone, TPoint const& other) {
+  double const t = -lone.z / (other.z - lone.z);
+  return {lone.x + (other.x - lone.x) * t, lone.y + (other.y - lone.y) * t};
+}
+
+// The volume of the pyramid that the plane z = 0 cuts off at `lone`, with a and b the corners that
+// follow it.
+double LoneCornerVolume(TPoint const& lone, TPoint const& a, TPoint const& b) {
+  TPoint const P = MeetsPlane(lone, b);
+  TPoint const Q = MeetsPlane(lone, a);
+  return ((P.y + Q.y) * (P.x - Q.x) + (Q.y + lone.y) * (Q.x - lone.x) +
+          (lone.x - P.x) * (P.y + lone.y)) *
+         0.5 * lone.z / 3;
+}
+
 }  // namespace
 
 TEdge TTriangle::GetEdge(int side) const {
@@ -79,6 +103,36 @@ double TTriangle::GetZ(double x, double y) const {
   double const p = ((C.y - A.y) * (B.z - A.z) - (C.z - A.z) * (B.y - A.y)) / d;
   double const q = -((C.x - A.x) * (B.z - A.z) - (C.z - A.z) * (B.x - A.x)) / d;
   return A.z - A.x * p - A.y * q + (p * x + q * y);
+}
+
+void TTriangle::CutFill(double* first, double* second) const {
+  TPoint const& p1 = *m_pVertex[0];
+  TPoint const& p2 = *m_pVertex[1];
+  TPoint const& p3 = *m_pVertex[2];
+  double const S =
+      (p2.x - p1.x) * (p1.y + p2.y) + (p3.x - p2.x) * (p2.y + p3.y) + (p1.x - p3.x) * (p3.y + p1.y);
+  double const V = (p1.z + p2.z + p3.z) * S / 6;
+  if (AllAtLeast(0.0, p1.z, p2.z, p3.z)) {
+    *first = V;
+    *second = 0.0;
+    return;
+  }
+  if (AllAtMost(0.0, p1.z, p2.z, p3.z)) {
+    *first = 0.0;
+    *second = V;
+    return;
+  }
+  double W;
+  if (p1.z * p2.z >= 0) {
+    W = LoneCornerVolume(p3, p1, p2);
+  } else if (p2.z * p3.z >= 0) {
+    W = LoneCornerVolume(p1, p2, p3);
+  } else {
+    W = LoneCornerVolume(p2, p3, p1);
+  }
+  // W - V in both: the far part enters with the sign that it does not have.
+  *first = W >= 0 ? W : W - V;
+  *second = W >= 0 ? W - V : W;
 }
 
 TPoint TTriangle::GetNormal() const {

@@ -83,11 +83,11 @@ class QELTIN_API TTriangle {
   // and that on the other into `second`, both with the sign of twice the plan area: that of
   // clockwise corners above the plane is positive.
   //
-  // A triangle wholly at or above the plane has all in `first`, one wholly below all in `second`.
-  // In a triangle that the plane cuts, W is the volume of the corner that stands alone on its side
-  // and V that of the whole: (W, W - V) where W >= 0, otherwise (W - V, W). Note that the part on
-  // the far side from the lone corner so enters with the opposite sign. REQUIRES: non-null
-  // arguments.
+  // A triangle wholly at or above the plane has all in `first`, one wholly at or below it, but not
+  // in it, all in `second`. In a triangle that the plane cuts, W is the volume of the corner that
+  // stands alone on its side and V that of the whole: (W, W - V) where W >= 0, otherwise (W - V,
+  // W). Note that the part on the far side from the lone corner so enters with the opposite sign.
+  // REQUIRES: non-null arguments.
   void CutFill(double* first, double* second) const;
 
   // Sets `z` to a height difference, in a scale of its own and computed in single precision, at a

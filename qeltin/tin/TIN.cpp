@@ -150,10 +150,14 @@ bool TIN::GetNeighbours(TPoint const* point, std::vector<TPoint*>& result) const
 }
 
 void TIN::ResetToEmptyBoxes() {
-  TPoint const high(LARGEST_FLOAT, LARGEST_FLOAT, LARGEST_FLOAT);
-  TPoint const low(-LARGEST_FLOAT, -LARGEST_FLOAT, -LARGEST_FLOAT);
-  m_WorldMin = m_Min = high;
-  m_WorldMax = m_Max = low;
+  EmptyDataBounds();
+  m_WorldMin = m_Min;
+  m_WorldMax = m_Max;
+}
+
+void TIN::EmptyDataBounds() {
+  m_Min = TPoint(LARGEST_FLOAT, LARGEST_FLOAT, LARGEST_FLOAT);
+  m_Max = TPoint(-LARGEST_FLOAT, -LARGEST_FLOAT, -LARGEST_FLOAT);
 }
 
 void TIN::MakePools(long long points, long long triangles) {

@@ -177,17 +177,19 @@ class QELTIN_API TIN {
   // --- Whole surfaces -------------------------------------------------------------------------
 
   // Builds this surface anew, in the order of the pools, from its own points and then those of
-  // `other`. Points that stand on a side of their surface's world box, as the seed corners do, are
-  // left out. A point of `other` within 0.001 of one of this surface's is dropped by the duplicate
-  // rule, and its slot stays. The new world box is TPoint::Min and TPoint::Max of both, whose rule
-  // for z can write a height into x. A map is left as it is, without entries. REQUIRES: both
-  // surfaces have pools, and they are two.
+  // `other`. A point with an x or a y of its surface's world box, as the seed corners have, is left
+  // out. A point of `other` within 0.001 of one of this surface's is dropped by the duplicate rule,
+  // and its slot stays. The new world box is TPoint::Min and TPoint::Max of both, whose rule for z
+  // can write a height into x; a point outside that box is lost. A map stays: its entries go with
+  // the old pools, and it gets those that the insertions enter, as in AddPoint. A surface merged
+  // with itself is merged with a copy of itself. Changes nothing where one of the two has no pools.
   TIN& operator+=(TIN const& other);
 
   // Returns a new surface through the centroids of the triangles whose corners are all within the
   // data bounds, hidden ones too; with `polygon`, only of those that its XY_Contains takes. The
-  // points themselves are not carried over. The result is the caller's; null where memory is
-  // refused.
+  // points themselves are not carried over. The new data bounds are this surface's world box, and
+  // the new world box reaches 10 times as far again. The result is the caller's; null where memory
+  // is refused.
   TIN* CreateSmooth(TPolygon const* polygon) const;
 
   // Marks every triangle that has a side longer in plan than `limit` as TRI_FILTERED, and every
@@ -224,10 +226,13 @@ class QELTIN_API TIN {
 
   // Measures the surface inside `boundary` against the plane z = 0: `above` and `below` get the
   // volumes, in the cube of the unit, and the result is true. Returns false, with both as they
-  // were, where GenerateProfile finds nothing along the boundary.
+  // were, where GenerateProfile finds nothing along the boundary: so also for a boundary that runs
+  // all around the surface and crosses hidden triangles only.
   //
-  // A triangle counts wholly or not at all, by its centroid. To follow the boundary better, some
-  // points of the profile along it are inserted first, one a piece, and they stay. Values follow
+  // A triangle, hidden or not, counts wholly or not at all, by its centroid. To follow the boundary
+  // better, some points of the profile along it are inserted first, and they stay: of the first
+  // piece its first point, of the second its second, and so on, unless its height is 0, it lies
+  // outside the data bounds, or an equal point stands in the pool. Values follow
   // TTriangle::CutFill, its rule for triangles that the plane cuts included. REQUIRES: no argument
   // is null.
   bool CalculateVolume(TPolygon const* boundary, double* below, double* above);
@@ -325,6 +330,10 @@ class QELTIN_API TIN {
   bool IsWithinReach(TPoint const& p) const { return std::fabs(p.x) + std::fabs(p.y) <= m_dReach; }
 
   void ResetToEmptyBoxes();
+  void EmptyDataBounds();
+
+  // Adds the live points of a pool, in their order, without those on a line of the box.
+  void AddPointsOffTheBox(TArray<TPoint> const& points, TPoint const& min, TPoint const& max);
 
   // Replaces both pools by empty ones of these capacities. Map entries and m_pLastTriangle go with
   // the old ones, and the location holds no pool until it is seated.

@@ -126,4 +126,35 @@ int SetAdjacentPointer(TTriangle& t, TTriangle* other) {
   return -1;
 }
 
+void CutFill(TTriangle const& t, double& first, double& second) {
+  double const x[3] = {t.m_pVertex[0]->x, t.m_pVertex[1]->x, t.m_pVertex[2]->x};
+  double const y[3] = {t.m_pVertex[0]->y, t.m_pVertex[1]->y, t.m_pVertex[2]->y};
+  double const z[3] = {t.m_pVertex[0]->z, t.m_pVertex[1]->z, t.m_pVertex[2]->z};
+  double const s =
+      (x[1] - x[0]) * (y[0] + y[1]) + (x[2] - x[1]) * (y[1] + y[2]) + (x[0] - x[2]) * (y[2] + y[0]);
+  double const v = (z[0] + z[1] + z[2]) * s / 6;
+  if (z[0] >= 0 && z[1] >= 0 && z[2] >= 0) {
+    first = v;
+    second = 0;
+  } else if (z[0] <= 0 && z[1] <= 0 && z[2] <= 0) {
+    first = 0;
+    second = v;
+  } else {
+    int const lone = z[0] * z[1] >= 0 ? 2 : (z[1] * z[2] >= 0 ? 0 : 1);
+    int const a = (lone + 1) % 3;
+    int const b = (lone + 2) % 3;
+    double const tb = -z[lone] / (z[b] - z[lone]);
+    double const xp = x[lone] + (x[b] - x[lone]) * tb;
+    double const yp = y[lone] + (y[b] - y[lone]) * tb;
+    double const ta = -z[lone] / (z[a] - z[lone]);
+    double const xq = x[lone] + (x[a] - x[lone]) * ta;
+    double const yq = y[lone] + (y[a] - y[lone]) * ta;
+    double const w = ((yp + yq) * (xp - xq) + (yq + y[lone]) * (xq - x[lone]) +
+                      (x[lone] - xp) * (yp + y[lone])) *
+                     0.5 * z[lone] / 3;
+    first = w >= 0 ? w : w - v;
+    second = w >= 0 ? w - v : w;
+  }
+}
+
 }  // namespace qeltin::testing::stated

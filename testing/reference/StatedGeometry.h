@@ -25,4 +25,7 @@ bool XY_HasPoint(TTriangle const& t, TPoint const& p);
 TPoint* XY_FindVertex(TTriangle const& t, TPoint const& p);
 int SetAdjacentPointer(TTriangle& t, TTriangle* other);
 
+// The volume between the triangle and the plane z = 0, its two parts with their signs.
+void CutFill(TTriangle const& t, double& first, double& second);
+
 }  // namespace qeltin::testing::stated
