@@ -68,6 +68,15 @@ DraftFile::DraftFile(std::string name, bool overwrite)
   m_WorkingName = (fs::path(folder) / target.filename()).string();
 }
 
+void DraftFile::Sync() const {
+  int const descriptor = open(m_WorkingName.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) throw Failure(m_Name, SystemReason(errno));
+  bool const whole = fsync(descriptor) == 0;
+  int const reason = errno;
+  close(descriptor);
+  if (!whole) throw Failure(m_Name, SystemReason(reason));
+}
+
 void DraftFile::Commit() {
   if (m_bOverwrite) {
     struct stat old {};

@@ -22,6 +22,9 @@ class DraftFile {
   // Where the content is to be written: a name with the same ending.
   std::string const& WorkingName() const { return m_WorkingName; }
 
+  // Sees to it that the content is on the disk. Throws Failure.
+  void Sync() const;
+
   // Gives the working file its final name. Throws Failure; also where the file has come into being
   // meanwhile and was not to be overwritten.
   void Commit();

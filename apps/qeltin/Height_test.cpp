@@ -172,7 +172,8 @@ TEST_F(Height, AMillionPlacesPassThroughAPipeInConstantMemory) {
   EXPECT_EQ(std::count(ran.out.begin(), ran.out.end(), '\n'), 1000000);
   EXPECT_EQ(ran.out.substr(0, 24), "5.25,0,1.525\n5.25,1,1.77");
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-  EXPECT_LT(ran.peak_kib, 32 * 1024);
+  long const peak_of_one_place = Ask("5.25 0\n").peak_kib;  // most of it is shared libraries
+  EXPECT_LT(ran.peak_kib, peak_of_one_place + 8 * 1024);
 #endif
 }
 

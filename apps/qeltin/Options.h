@@ -36,5 +36,7 @@ void AddBuild(CLI::App& application);
 void AddInfo(CLI::App& application);
 void AddHeight(CLI::App& application);
 void AddConvert(CLI::App& application);
+void AddGrid(CLI::App& application);
+void AddVolume(CLI::App& application);
 
 }  // namespace qeltin::cli

@@ -1,13 +1,13 @@
 #include "apps/qeltin/OutlineReader.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <string_view>
 
 #include "apps/qeltin/Failure.h"
+#include "apps/qeltin/FileName.h"
 #include "apps/qeltin/Outline.h"
 #include "apps/qeltin/PlaceReader.h"
 
@@ -22,9 +22,7 @@ using Places = std::vector<TPoint>;
 constexpr char PART_MARK = '>';
 
 bool HasTextName(std::string const& file) {
-  std::string ending = fs::path(file).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::string const ending = EndingOf(file);
   return ending == ".txt" || ending == ".xy" || ending == ".xyz";
 }
 

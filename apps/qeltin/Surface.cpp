@@ -8,7 +8,7 @@
 #include <new>
 #include <string>
 
-#include "apps/qeltin/Failure.h"
+#include "apps/qeltin/Prism.h"
 #include "apps/qeltin/Progress.h"
 
 namespace qeltin::cli {
@@ -78,12 +78,6 @@ void InsertShuffled(TIN& tin, std::vector<IPoint> const& points, Box const& box)
   tin.Init(static_cast<int>(points.size()), box.min, box.max);
   for (IPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
   tin.Triangulate();
-}
-
-// Unlike TTriangle::Area this multiplies differences, so that a small triangle far from the origin
-// keeps its digits.
-double PlanArea(TPoint const& a, TPoint const& b, TPoint const& c) {
-  return std::fabs((b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y)) / 2;
 }
 
 }  // namespace

@@ -12,11 +12,18 @@ using ::testing::StartsWith;
 
 class Usage : public CommandTest {};
 
+std::vector<std::string> const COMMANDS = {
+    "sample", "build", "info", "height", "convert", "grid", "volume",
+};
+
 TEST_F(Usage, HelpGoesToStandardOutput) {
-  for (std::string const command : {"", "sample", "build", "info", "height", "convert"}) {
+  std::vector<std::vector<std::string>> calls = {{}};
+  for (std::string const& command : COMMANDS) calls.push_back({command});
+  for (std::vector<std::string>& call : calls) {
     for (std::string const flag : {"-h", "--help"}) {
-      Ran const ran =
-          MustRun(command.empty() ? std::vector{flag} : std::vector<std::string>{command, flag});
+      call.push_back(flag);
+      Ran const ran = MustRun(call);
+      call.pop_back();
       EXPECT_THAT(ran.out, HasSubstr("Usage: qeltin"));
       EXPECT_EQ(ran.err, "");
     }
@@ -69,6 +76,13 @@ TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
       {"convert", "s.xyz", "-", "--json"},
       {"convert", "s.xyz", "s.ttm"},
       {"convert", "s.xyz", "s.tin", "--bounds", "0,0,1,1"},
+      {"grid"},
+      {"grid", "s.xyz", "-o", "g.asc"},
+      {"grid", "s.xyz", "--cell", "1"},
+      {"grid", "s.xyz", "--cell", "1", "-o", "g"},
+      {"volume"},
+      {"volume", "s.xyz"},
+      {"volume", "s.xyz", "--inside"},
       {"height"},
       {"height", "s.xyz"},
       {"height", "s.xyz", "--at"},
@@ -105,7 +119,7 @@ TEST_F(Usage, TheManualTellsEveryOption) {
   std::ifstream manual(source / "docs/man/qeltin.1");
   std::string const text{std::istreambuf_iterator<char>(manual), {}};
   ASSERT_NE(text, "");
-  for (std::string const command : {"sample", "build", "info", "height", "convert"}) {
+  for (std::string const& command : COMMANDS) {
     for (std::string const& option : LongOptions(MustRun({command, "--help"}).out)) {
       EXPECT_THAT(text, HasSubstr("Fl " + option.substr(1))) << command;
     }

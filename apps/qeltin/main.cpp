@@ -28,6 +28,14 @@ void HoldStandardStreams() {
   }
 }
 
+std::string Names(CLI::App const& application) {
+  std::string names;
+  for (CLI::App const* command : application.get_subcommands({})) {
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  return names;
+}
+
 int Run(CLI::App& application, int argc, char** argv) {
   using namespace qeltin::cli;
   AddSample(application);
@@ -35,12 +43,14 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddInfo(application);
   AddHeight(application);
   AddConvert(application);
+  AddGrid(application);
+  AddVolume(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
   try {
     application.parse(argc, argv);
     if (application.get_subcommands().empty()) {
-      throw UsageFailure("which command? sample, build, info, height or convert");
+      throw UsageFailure("which command? " + Names(application));
     }
   } catch (CLI::Success const& e) {
     return application.exit(e);

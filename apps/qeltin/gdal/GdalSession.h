@@ -23,10 +23,14 @@ class GdalSession {
   // name of a file, cut out of it.
   std::string Reason(std::string const& path = {}) const;
 
+  // The same for a file that was to be written: where the system refused it, in the system's words.
+  std::string WriteReason(std::string const& path) const;
+
  private:
   static void Hear(CPLErr kind, CPLErrorNum number, char const* text);
 
   std::string m_Reason;
+  int m_iSystemError = 0;  // as it stood at the first complaint
 };
 
 // Returns the coordinate reference system of `code`, as "EPSG:32618", with x before y whatever the
