@@ -7,22 +7,16 @@
 
 #include "apps/qeltin/DraftFile.h"
 #include "apps/qeltin/Failure.h"
-#include "apps/qeltin/Report.h"
-#include "apps/qeltin/StoredFile.h"
-#include "apps/qeltin/Surface.h"
-#include "apps/qeltin/SurfaceInput.h"
+#include "apps/qeltin/SurfaceOutput.h"
 
 namespace qeltin::cli {
 
 namespace {
 
-struct BuildOptions : InputOptions {
+struct BuildOptions : SurfaceOutputOptions {
   std::vector<std::string> inputs;
-  std::string output;
-  bool overwrite = false;
   bool keep_order = false;
   std::string bounds;
-  NumberStyle style;
 };
 
 class Stopwatch {
@@ -120,9 +114,7 @@ void Tell(BuildOptions const& options, BuildResult const& result) {
 
 void Run(BuildOptions const& options) {
   std::optional<Box> const bounds = ParseBounds(options);
-  if (KindByName(options.output) != FileKind::NATIVE) {
-    throw UsageFailure("-o " + Quoted(options.output) + ": the name of a surface ends in .tin");
-  }
+  options.CheckOutput();
   DraftFile draft(options.output, options.overwrite);
 
   BuildResult result;
@@ -148,10 +140,6 @@ void AddBuild(CLI::App& application) {
                    "and stored surfaces, whose points are taken")
       ->required()
       ->type_name("FILE");
-  command->add_option("-o,--output", options->output, "The surface to write; its name ends in .tin")
-      ->required()
-      ->type_name("FILE");
-  command->add_flag("--overwrite", options->overwrite, "Replace an output that exists");
   command->add_flag("--keep-order", options->keep_order,
                     "Insert the points in the order of the files: the\n"
                     "same bytes on every run; what widens the surface as it\n"
@@ -162,7 +150,6 @@ void AddBuild(CLI::App& application) {
                    "order is kept, give it to the surface as its bounds")
       ->check(NumberList(4, "X1,Y1,X2,Y2"))
       ->type_name("X1,Y1,X2,Y2");
-  AddPrecision(*command, options->style);
   options->AddTo(*command);
   command->callback([options] { Run(*options); });
 }

@@ -38,5 +38,8 @@ void AddHeight(CLI::App& application);
 void AddConvert(CLI::App& application);
 void AddGrid(CLI::App& application);
 void AddVolume(CLI::App& application);
+void AddFilter(CLI::App& application);
+void AddSmooth(CLI::App& application);
+void AddMerge(CLI::App& application);
 
 }  // namespace qeltin::cli

@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 
+#include "apps/qeltin/Failure.h"
 #include "apps/qeltin/Prism.h"
 #include "apps/qeltin/Progress.h"
 
@@ -15,7 +16,7 @@ namespace qeltin::cli {
 
 namespace {
 
-// Marks the points that are corners of a triangle. Points stand in one block.
+// Tells which points are corners of a triangle. Points stand in one block.
 class VertexMarks {
  public:
   explicit VertexMarks(TIN const& tin) {
@@ -26,16 +27,20 @@ class VertexMarks {
       last = last == nullptr ? p : std::max(last, p, std::less<>());
     }
     if (last != nullptr) m_Marked.resize(static_cast<std::size_t>(last - m_pFirst) + 1);
+    for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+      for (TPoint const* corner : tin.GetTriangle(i, true)->m_pVertex) Mark(corner);
+    }
   }
 
+  // REQUIRES: a live point.
+  bool Has(TPoint const* p) const { return m_Marked[Offset(p)]; }
+
+ private:
   void Mark(TPoint const* p) {
     // A damaged file can leave a corner on a slot that is not in use.
     if (Offset(p) < m_Marked.size()) m_Marked[Offset(p)] = true;
   }
 
-  bool Has(TPoint const* p) const { return m_Marked[Offset(p)]; }
-
- private:
   std::size_t Offset(TPoint const* p) const { return static_cast<std::size_t>(p - m_pFirst); }
 
   TPoint const* m_pFirst = nullptr;
@@ -97,10 +102,9 @@ void RequireVisible(TIN const& tin, std::string const& file) {
 
 std::string WhyNoSurface(std::vector<IPoint> const& points) {
   constexpr double SAME_PLACE = 0.001;  // the library's tolerance
-  constexpr std::size_t MOST = 1'000'000'000;
   std::size_t const count = points.size();
   if (count == 0) return "there are no points";
-  if (count > MOST) return "there are more than 1000000000 points";
+  if (count > MOST_POINTS) return "there are more than 1000000000 points";
   if (!std::all_of(points.begin(), points.end(), IsSensible)) {
     return "a coordinate is not a number, or beyond 1e100";
   }
@@ -155,11 +159,10 @@ SurfaceFacts FactsOf(TIN const& tin) {
   tin.GetBounds(bounds.min, bounds.max);
   tin.GetWorldBounds(world.min, world.max);
   FactsGatherer gatherer(bounds, world);
-  VertexMarks marks(tin);
+  VertexMarks const marks(tin);
   for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
     TTriangle const& triangle = *tin.GetTriangle(i, true);
     TPoint const* const* const corners = triangle.m_pVertex;
-    for (int k = 0; k < 3; ++k) marks.Mark(corners[k]);
     if (triangle.IsHidden()) {
       gatherer.AddHiddenTriangle();
     } else {
@@ -171,6 +174,16 @@ SurfaceFacts FactsOf(TIN const& tin) {
     gatherer.AddPoint(*p, marks.Has(p));
   }
   return gatherer.Facts();
+}
+
+void AppendVertices(TIN const& tin, std::vector<IPoint>& points) {
+  Box world;
+  tin.GetWorldBounds(world.min, world.max);
+  VertexMarks const marks(tin);
+  for (int i = 0; i < tin.GetNumberOfPoints(); ++i) {
+    TPoint const* const p = tin.GetPoint(i);
+    if (!IsSeedCorner(*p, world) && marks.Has(p)) points.push_back({p->x, p->y, p->z});
+  }
 }
 
 std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,

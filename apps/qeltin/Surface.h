@@ -70,6 +70,9 @@ class FactsGatherer {
 // Returns true iff `p` stands exactly where a corner of the seed rectangle does.
 bool IsSeedCorner(TPoint const& p, Box const& world);
 
+// Appends the data points of a surface that are corners of a triangle, in their order.
+void AppendVertices(TIN const& tin, std::vector<IPoint>& points);
+
 // Builds the surface of `points`, in random order, which is the fast way, or in the order given,
 // which leads to the same surface bit by bit on every run. In random order the data bounds are
 // `bounds`, or else those of the points. In the order given they are those of the points, and what
@@ -81,6 +84,9 @@ std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
 
 // Throws Failure, in the name of `file`, where the surface shows no triangle.
 void RequireVisible(TIN const& tin, std::string const& file);
+
+// So many the library can number.
+inline constexpr std::size_t MOST_POINTS = 1'000'000'000;
 
 // Returns why no surface can be made of `points`, in words that follow "FILE: ", or an empty text.
 // Fewer than three, all within 0.001 of one place or of one line, coordinates that overflow where

@@ -13,7 +13,7 @@ using ::testing::StartsWith;
 class Usage : public CommandTest {};
 
 std::vector<std::string> const COMMANDS = {
-    "sample", "build", "info", "height", "convert", "grid", "volume",
+    "sample", "build", "info", "height", "convert", "grid", "volume", "filter", "smooth", "merge",
 };
 
 TEST_F(Usage, HelpGoesToStandardOutput) {
@@ -93,6 +93,17 @@ TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
       {"height", "s.xyz", "--at", "1,nan"},
       {"height", "s.xyz", "--at", "1,2", "3,4"},
       {"height", "s.xyz", "--at", "1,2", "--points", "s.xyz"},
+      {"filter", "s.xyz", "-o", "s.tin"},
+      {"filter", "s.xyz", "--max-edge", "5"},
+      {"filter", "s.xyz", "--max-edge", "5", "-o", "s.xyz", "--overwrite"},
+      {"filter", "s.xyz", "--max-edge", "0", "-o", "s.tin"},
+      {"smooth", "s.xyz"},
+      {"smooth", "-o", "s.tin"},
+      {"smooth", "s.xyz", "-o", "s"},
+      {"smooth", "s.xyz", "--inside", "-o", "s.tin"},
+      {"merge", "s.xyz", "s.xyz"},
+      {"merge", "s.xyz", "-o", "s.tin"},
+      {"merge", "s.xyz", "s.xyz", "-o", "s.ttm"},
   };
   for (auto const& arguments : mistakes) {
     Ran const ran = Run(arguments);

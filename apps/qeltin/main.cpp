@@ -45,6 +45,9 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddConvert(application);
   AddGrid(application);
   AddVolume(application);
+  AddFilter(application);
+  AddSmooth(application);
+  AddMerge(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
   try {
