@@ -16,10 +16,6 @@ static_assert(sizeof(TPoint) == 24 && sizeof(TTriangle) == 80, "these sizes stan
 
 constexpr char NATIVE_MAGIC[12] = {'Q', 'E', 'L', '2', '0', '0', '0', ' ', 'T', 'I', 'N', '\0'};
 
-// What a loaded pool has free beyond the elements of the file.
-constexpr int POINT_MARGIN = 1000;
-constexpr int TRIANGLE_MARGIN = 2000;
-
 // The end of a triangle record of versions 2 and 3.
 struct TriangleTail {
   std::uint8_t flags = 0;

@@ -6,6 +6,7 @@
 
 #include "qeltin/persistence/LoadedPools.h"
 #include "qeltin/persistence/NativeFormat.h"
+#include "qeltin/persistence/TrimbleFormat.h"
 
 using qeltin::detail::NATIVE_MAGIC;
 
@@ -104,18 +105,9 @@ TINFile::TINInfo TINFile::ReadNativeInfo() {
 }
 
 TINFile::TINInfo TINFile::ReadTrimbleInfo() {
-  constexpr std::size_t HEADER_SIZE = 149;
-  constexpr char MAGIC[] = "TNL TIN DTM FILE";
-  char header[HEADER_SIZE] = {};
-  m_pFile->Read(header, HEADER_SIZE);
-  TINInfo info;
-  if (std::memcmp(header + 2, MAGIC, sizeof MAGIC - 1) != 0) return info;
-  std::memcpy(&info.minimum.y, header + 73, sizeof(double));
-  std::memcpy(&info.minimum.x, header + 81, sizeof(double));
-  std::memcpy(&info.maximum.y, header + 89, sizeof(double));
-  std::memcpy(&info.maximum.x, header + 97, sizeof(double));
-  std::memcpy(&info.count, header + 113, sizeof info.count);
-  return info;
+  qeltin::detail::TrimbleHeader header;
+  if (!header.Read(*m_pFile)) return {};
+  return {header.min, header.max, static_cast<std::int32_t>(header.vertices.records)};
 }
 
 bool TINFile::ReadMagic() {

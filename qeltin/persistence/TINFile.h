@@ -12,9 +12,13 @@
 
 class CQelUnitCnv;
 
-// Reads and writes a whole surface in the library's own format. The byte layouts of its versions
-// stand in docs/file-formats.md. Version 3 is written; 0, 1 and 2 are read too, and such a file is
-// rewritten as version 3 when it is read.
+namespace qeltin::detail {
+class TrimbleTables;
+}
+
+// Reads and writes a whole surface in the library's own format, and reads Trimble terrain models.
+// The byte layouts stand in docs/file-formats.md. Of the library's own format, version 3 is
+// written; 0, 1 and 2 are read too, and such a file is rewritten as version 3 when it is read.
 //
 // A save replaces the file as a whole, so that a full disk or a crash leaves the old one: see
 // FileStream. What a file holds is taken as it stands, except where that would reach outside the
@@ -72,7 +76,14 @@ class QELTIN_API TINFile {
   // changes nothing. The stream stays open after version 3 and after a failure.
   unsigned int LoadTIN(wchar_t const* file, TIN& tin);
 
-  // Trimble models are not read yet: clears `tin` and returns 0, as for a file that is none.
+  // Clears `tin`, whatever follows, and loads a Trimble terrain model: its points and triangles as
+  // they stand, a list of the triangles along its border and one of places to start a search from.
+  // Returns the number of vertices that the file states; 0, with `tin` empty, where nothing was
+  // loaded. The lists of an earlier model stay in that case.
+  //
+  // A table with sizes that the format does not know is passed over, and does not count as a
+  // failure: so there may be fewer points than returned. With a converter, what the file says is to
+  // be converted is in internal units afterwards. The stream stays open.
   unsigned int LoadTrimbleTINModel(wchar_t const* file, TIN& tin);
 
   // Looks at the head of a native file (`type` NATIVE) or of a Trimble model (any other type). The
@@ -107,6 +118,8 @@ class QELTIN_API TINFile {
   void ReadKeyedPoints(TArray<TPoint>& points, std::int32_t count);
   void ReadKeyedTriangles(TIN& tin, std::int32_t count, bool flags);
   void UpdateTrianglePointers(TIN& tin);
+  unsigned int LoadTrimble(TIN& tin);
+  static void HandOver(qeltin::detail::TrimbleTables& tables, TIN& tin);
   unsigned int Refuse(TIN& tin);
 
   bool ReadMagic();

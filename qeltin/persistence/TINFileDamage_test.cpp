@@ -13,6 +13,8 @@
 #include <thread>
 
 #include "qeltin/persistence/TINFile.h"
+#include "testing/ExpectInside.h"
+#include "testing/InAChild.h"
 #include "testing/MakeSurvey.h"
 #include "testing/NativeFileWriter.h"
 #include "testing/TINPeer.h"
@@ -42,43 +44,6 @@ class Loaded {
  private:
   TemporaryFolder m_Folder;
 };
-
-// Every pointer of every slot, live or free, is null or leads to a slot of its pool, and a live
-// corner is never null.
-void ExpectInside(TIN const& tin) {
-  TArray<TPoint> const* const points = TINPeer::Points(tin);
-  TArray<TTriangle> const* const triangles = TINPeer::Triangles(tin);
-  ASSERT_EQ(points == nullptr, triangles == nullptr);
-  if (points == nullptr) return;
-  auto const isSlot = [](auto const& pool, auto const* element) {
-    auto const distance =
-        reinterpret_cast<char const*>(element) - reinterpret_cast<char const*>(pool.m_pData);
-    auto const size = static_cast<std::ptrdiff_t>(sizeof *element);
-    return distance >= 0 && distance < pool.m_iCapacity * size && distance % size == 0;
-  };
-  auto const isPermutation = [](auto const& pool) {
-    std::vector<bool> seen(static_cast<std::size_t>(pool.m_iCapacity));
-    for (int i = 0; i < pool.m_iCapacity; ++i) {
-      auto const slot = static_cast<std::size_t>(pool.m_pIndex[i]);
-      if (slot >= seen.size() || seen[slot]) return false;
-      seen[slot] = true;
-    }
-    return pool.m_iCount >= 0 && pool.m_iCount <= pool.m_iCapacity;
-  };
-  ASSERT_TRUE(isPermutation(*points));
-  ASSERT_TRUE(isPermutation(*triangles));
-  for (int i = 0; i < triangles->m_iCapacity; ++i) {
-    TTriangle const& t = *triangles->At(i);
-    for (int k = 0; k < 3; ++k) {
-      TPoint const* const corner = t.m_pVertex[k];
-      ASSERT_TRUE(corner == nullptr ? i >= triangles->m_iCount : isSlot(*points, corner));
-      ASSERT_TRUE(t.m_pAdjacent[k] == nullptr || isSlot(*triangles, t.m_pAdjacent[k]));
-      if (t.m_pAdjacent[k] != nullptr) {
-        ASSERT_NE(t.m_pAdjacent[k]->m_pVertex[0], nullptr);  // a live one
-      }
-    }
-  }
-}
 
 void ExpectRefused(std::string const& bytes) {
   Loaded const l(bytes);
@@ -315,6 +280,40 @@ TEST(TINFileDamage, NoDamageLeadsOutsideThePools) {
   }
 }
 
+TEST(TINFileDamage, MemoryThatTheSystemRefusesIsNoFaultOfTheFile) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "a sanitizer ends the program where memory is refused";
+#endif
+  TemporaryFolder folder;
+  for (int version : {1, 3}) {
+    std::string bytes = NativeFile(version, SquareModel());
+    Patch(bytes, COUNT_AT, 2'000'000);  // 56 MB
+    folder.Put("a.tin", bytes);
+    int const status = InAChild([&] {
+      rlimit const data = {40'000'000, 40'000'000};
+      setrlimit(RLIMIT_DATA, &data);
+      TIN tin;
+      TINFile file;
+      bool const refused = file.LoadTIN(folder.Wide("a.tin").c_str(), tin) == 0 &&
+                           file.LastFault() == Fault::NONE && tin.GetNumberOfPoints() == 0;
+      return refused ? file.LastError() : 0;
+    });
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), ENOMEM);
+    EXPECT_EQ(folder.Get("a.tin"), bytes);  // not rewritten
+  }
+}
+
+TEST(TINFileDamage, TheKeysOfNeighboursCountAsMemory) {
+  std::string bytes = NativeVersion1(SquareModel());
+  std::size_t const at = COUNT_AT + 4 + 28 * 4;
+  Patch(bytes, at, 590'000);  // 63.8 MB of the 64 MiB, with three keys each
+  Loaded const fits(bytes);
+  EXPECT_EQ(fits.tin.GetNumberOfTriangles(), 590'000);
+  Patch(bytes, at, 640'000);
+  ExpectRefused(bytes);
+}
+
 // --- Pipes
 // ----------------------------------------------------------------------------------------
 
@@ -353,18 +352,14 @@ TEST(TINFileDamage, AMissingFolderIsReportedAsTrueAndRemembered) {
 // Runs `act` in a child with a limit on the size of files, and returns how the child ended.
 template <typename Act>
 int WithFileSizeLimit(rlim_t limit, bool signalled, Act act) {
-  pid_t const child = fork();
-  if (child == 0) {
+  return InAChild([&] {
     std::signal(SIGXFSZ, signalled ? SIG_DFL : SIG_IGN);
     rlimit const sizes = {limit, limit};
     setrlimit(RLIMIT_FSIZE, &sizes);
     rlimit const none = {0, 0};
     setrlimit(RLIMIT_CORE, &none);
-    _exit(act());
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  return status;
+    return act();
+  });
 }
 
 TEST(TINFileDamage, AFileThatGrowsTooLargeLeavesTheOldOne) {

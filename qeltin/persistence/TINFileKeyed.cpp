@@ -44,6 +44,7 @@ bool TINFile::LoadKeyed(TIN& tin, bool flags) {
   ReadKeyedPoints(*tin.m_pPoints, points);
 
   std::int32_t const triangles = ReadInt(0);
+  m_iMemory -= 3LL * static_cast<long long>(sizeof(std::uint64_t)) * triangles;  // m_AdjacentKeys
   tin.m_pTriangles = MakePool<TTriangle>(triangles, triangles + 0LL + TRIANGLE_MARGIN, m_iMemory);
   if (tin.m_pTriangles == nullptr) return false;
   ReadKeyedTriangles(tin, triangles, flags);
@@ -65,6 +66,7 @@ void TINFile::ReadKeyedPoints(TArray<TPoint>& points, std::int32_t count) {
 void TINFile::ReadKeyedTriangles(TIN& tin, std::int32_t count, bool flags) {
   m_mapTriangles.clear();
   m_AdjacentKeys.clear();
+  m_AdjacentKeys.reserve(3 * static_cast<std::size_t>(count));
   std::uint32_t key = 0;
   std::uint64_t corners[3] = {};
   for (std::int32_t i = 0; i < count; ++i) {

@@ -4,6 +4,7 @@
 #include "qeltin/persistence/NativeFormat.h"
 #include "qeltin/persistence/TINFile.h"
 
+using qeltin::detail::Element;
 using qeltin::detail::MakePool;
 using qeltin::detail::NO_ORDINAL;
 using qeltin::detail::POINT_MARGIN;
@@ -12,13 +13,6 @@ using qeltin::detail::TRIANGLE_MARGIN;
 using qeltin::detail::TriangleTail;
 
 namespace {
-
-// Returns the element with this ordinal in the file, or null without one. The pool is fresh, so
-// that its table tells already where an element not yet read will live.
-template <typename T>
-T* Element(TArray<T> const& pool, std::int32_t ordinal, std::int32_t count) {
-  return ordinal >= 0 && ordinal < count ? pool.At(ordinal) : nullptr;
-}
 
 // A circle is calculated this many triangles after its corners were fetched: those of a large
 // surface are far apart in memory.

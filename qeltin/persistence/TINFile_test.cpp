@@ -393,9 +393,10 @@ TEST(TINFile, AVersionThatIsCutOffIsNoVersion) {
   EXPECT_EQ(l.Bytes().size(), 15U);
 }
 
-TEST(TINFile, TrimbleModelsAreAnsweredAsAWrongMagic) {
+TEST(TINFile, ANativeFileIsNoTrimbleModel) {
   Loaded l(NativeVersion3(SquareModel()));
   EXPECT_EQ(l.file.LoadTrimbleTINModel(l.Name().c_str(), l.tin), 0U);
+  EXPECT_EQ(l.file.LastFault(), Fault::WRONG_MAGIC);
   EXPECT_TRUE(IsEmpty(l.tin));
 }
 

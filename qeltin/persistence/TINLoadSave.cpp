@@ -6,10 +6,13 @@
 #include <vector>
 
 #include "qeltin/persistence/TINFile.h"
+#include "qeltin/persistence/WidenBox.h"
 #include "qeltin/persistence/XyzReader.h"
 #include "qeltin/persistence/XyzWriter.h"
 #include "qeltin/platform/Clock.h"
 #include "qeltin/tin/TIN.h"
+
+using qeltin::detail::WidenBox;
 
 namespace {
 
@@ -25,15 +28,6 @@ std::wstring_view Extension(wchar_t const* file) {
 bool EqualsIgnoringCase(std::wstring_view text, std::wstring_view lower) {
   auto const same = [](wchar_t a, wchar_t b) { return a == b || (b - a == L'a' - L'A'); };
   return std::equal(text.begin(), text.end(), lower.begin(), lower.end(), same);
-}
-
-void Widen(TPoint const& p, TPoint& min, TPoint& max) {
-  if (p.x < min.x) min.x = p.x;
-  if (p.y < min.y) min.y = p.y;
-  if (p.z < min.z) min.z = p.z;
-  if (p.x > max.x) max.x = p.x;
-  if (p.y > max.y) max.y = p.y;
-  if (p.z > max.z) max.z = p.z;
 }
 
 // Returns false where there is no memory for them.
@@ -101,7 +95,7 @@ bool TIN::LoadXYZ(wchar_t const* file) {
   if (!ReadTriples(file, points) || points.empty()) return false;
 
   m_WorldMin = m_WorldMax = points.front();
-  for (TPoint const& p : points) Widen(p, m_WorldMin, m_WorldMax);
+  for (TPoint const& p : points) WidenBox(p, m_WorldMin, m_WorldMax);
   if (points.size() < 3 || points.size() > MOST_POINTS) return false;
 
   m_Min = m_WorldMin;

@@ -14,6 +14,7 @@
 #include "testing/NativeFileWriter.h"
 #include "testing/TINPeer.h"
 #include "testing/TemporaryFolder.h"
+#include "testing/TrimbleFileWriter.h"
 #include "testing/VerifySurface.h"
 
 namespace {
@@ -299,6 +300,12 @@ TEST(TINLoadSave, ATrimbleNameTakesTheTrimbleRouteWhateverItsCase) {
     EXPECT_EQ(s.tin.GetNumberOfPoints(), 0);  // emptied, other than by a text that fails
     double z = 0;
     EXPECT_FALSE(s.tin.GetZ(4, 8, z));
+
+    s.folder.Put(name, TrimbleFile(TrimbleSquare()));
+    EXPECT_TRUE(s.tin.Load(s.folder.Wide(name).c_str())) << name;
+    EXPECT_EQ(TINPeer::LastTriangle(s.tin), s.tin.GetTriangle(0, true));
+    EXPECT_TRUE(s.tin.GetZ(502, 9001, z));  // the location is seated
+    EXPECT_EQ(z, -3.5);
   }
 }
 

@@ -79,7 +79,7 @@ bool FileStream::Grow(std::size_t capacity) {
 }
 
 bool FileStream::ReadBeyond(void* buffer, unsigned long long size) {
-  if (m_bWrite || m_iError != 0) return false;
+  if (m_bWrite || m_bAtEnd || m_iError != 0) return false;
   char* const to = static_cast<char*>(buffer);
   if (size > m_iCapacity && IsRegular()) return ReadLarge(to, size);
   return Fill(size) ? Read(buffer, size) : MoveToEnd();
@@ -151,6 +151,7 @@ void FileStream::Drop() {
 
 bool FileStream::MoveToEnd() {
   m_bRanOut = m_bRanOut || m_iError == 0;
+  m_bAtEnd = true;
   m_iBufferStart = Position() + static_cast<long long>(m_iWaiting);
   Drop();
   if (IsRegular()) m_iBufferStart = lseek(m_iDescriptor, 0, SEEK_END);
@@ -212,6 +213,7 @@ bool FileStream::Seek(long long offset, int origin) {
     return false;
   }
   m_iBufferStart = position;
+  m_bAtEnd = false;
   Drop();
   return true;
 }

@@ -87,6 +87,7 @@ class QELTIN_API FileStream final : public DataStream {
   bool m_bOwned = true;    // the descriptor, of a stream for reading
   bool m_bSynced = false;  // nothing was written since the last Sync
   bool m_bRanOut = false;
+  bool m_bAtEnd = false;  // by a Read that ran out, and there was no Seek since
   int m_iError = 0;
   long long m_iSize = -1;
   long long m_iBufferStart = 0;  // where in the file the first byte of the buffer stands

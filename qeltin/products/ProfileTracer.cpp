@@ -11,8 +11,13 @@ namespace {
 
 constexpr double BEYOND_EDGE = 0.001;
 
+// As std::clamp, but of any box: that of a file may have its corners exchanged.
+double Clamped(double value, double min, double max) {
+  return value < min ? min : value > max ? max : value;
+}
+
 TPoint Clamped(TPoint const& p, TPoint const& min, TPoint const& max) {
-  return {std::clamp(p.x, min.x, max.x), std::clamp(p.y, min.y, max.y), p.z};
+  return {Clamped(p.x, min.x, max.x), Clamped(p.y, min.y, max.y), p.z};
 }
 
 }  // namespace

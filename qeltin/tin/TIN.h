@@ -263,7 +263,8 @@ class QELTIN_API TIN {
   // Queries need Load, which also seats the location.
   int LoadTin(wchar_t const* file);
 
-  // Trimble terrain models are not read yet: empties the surface and returns 0.
+  // Loads a Trimble terrain model, whose triangulation is kept as it is: the surface has no seed
+  // rectangle. Otherwise as LoadTin.
   int LoadTrimbleTinModel(wchar_t const* file);
 
   // Writes a native file of the current version.

@@ -18,6 +18,29 @@ bool IsCorner(TTriangle const& t, double x, double y) {
   return false;
 }
 
+// Tells when a walk that follows from where it stands, as one along a straight line does, is going
+// round in circles: it compares each place with one that is moved up at ever longer intervals.
+// R. P. Brent, An improved Monte Carlo factorization algorithm, BIT 20 (1980).
+class RoundTrip {
+ public:
+  // Returns true only where the walk was in `triangle` by the side `entry` before.
+  bool ComesBack(TTriangle const* triangle, int entry) {
+    if (triangle == m_pMark && entry == m_iEntry) return true;
+    if (--m_iLeft > 0) return false;
+    m_pMark = triangle;
+    m_iEntry = entry;
+    m_iInterval *= 2;
+    m_iLeft = m_iInterval;
+    return false;
+  }
+
+ private:
+  TTriangle const* m_pMark = nullptr;
+  int m_iEntry = 3;
+  long long m_iInterval = 1;
+  long long m_iLeft = 1;
+};
+
 }  // namespace
 
 TTriangle* TIN::GetTriangleWithPoint(TPoint const& p) const { return m_Triangulator.Find(p); }
@@ -66,7 +89,9 @@ TTriangle* TIN::FindTriangle(TTriangle* start, double x, double y) const {
 
   TTriangle* t = start->m_pAdjacent[exit];
   int entry = start->TriSide(exit);
+  RoundTrip trip;
   for (int steps = GetNumberOfTriangles(); entry <= 2 && steps > 0; --steps) {
+    if (trip.ComesBack(t, entry)) return nullptr;
     if (t->XY_HasPoint(TPoint(x, y, 0.0)) || IsCorner(*t, x, y)) return t;
     int const a = (entry + 1) % 3;
     int const b = (entry + 2) % 3;
