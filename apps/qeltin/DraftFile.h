@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "apps/qeltin/Interrupt.h"
 
@@ -13,20 +14,27 @@ namespace qeltin::cli {
 //
 // A symbolic link is followed: what it points at is replaced, and the link stays. A file that is
 // replaced hands its permissions on, and one that may not be written is refused.
+//
+// A file may have side files: its name with other endings, all in one folder. They come and go with
+// it: none is left of a file that is replaced, and none appears where the file itself does not.
 class DraftFile {
  public:
-  // Makes the folder. Throws Failure where the file exists and `overwrite` is false, where it is no
-  // ordinary file, and where its folder is missing or cannot be written to.
-  DraftFile(std::string name, bool overwrite);
+  // Makes the folder. `sides` are the endings of side files, as ".dbf". Throws Failure where the
+  // file or a side file exists and `overwrite` is false, where one is no ordinary file, and where
+  // the folder is missing or cannot be written to.
+  DraftFile(std::string name, bool overwrite, std::vector<std::string> sides = {});
 
   // Where the content is to be written: a name with the same ending.
   std::string const& WorkingName() const { return m_WorkingName; }
 
-  // Sees to it that the content is on the disk. Throws Failure.
+  // The same for a side file. Not every one needs to be written.
+  std::string WorkingSide(std::string const& ending) const;
+
+  // Sees to it that the content of the working file is on the disk. Throws Failure.
   void Sync() const;
 
-  // Gives the working file its final name. Throws Failure; also where the file has come into being
-  // meanwhile and was not to be overwritten.
+  // Gives the working files their final names. Throws Failure; also where the file has come into
+  // being meanwhile and was not to be overwritten.
   void Commit();
 
  private:
@@ -44,9 +52,13 @@ class DraftFile {
     UndoOnInterrupt m_Undo;
   };
 
+  // Returns the system's error number, or 0.
+  int MoveMain() const;
+
   std::string m_Name;    // as the caller gave it: what messages say
   std::string m_Target;  // with links followed
   bool m_bOverwrite;
+  std::vector<std::string> m_Sides;
   std::unique_ptr<Folder> m_pFolder;
   std::string m_WorkingName;
 };

@@ -41,5 +41,7 @@ void AddVolume(CLI::App& application);
 void AddFilter(CLI::App& application);
 void AddSmooth(CLI::App& application);
 void AddMerge(CLI::App& application);
+void AddIsolines(CLI::App& application);
+void AddProfile(CLI::App& application);
 
 }  // namespace qeltin::cli

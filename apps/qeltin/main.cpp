@@ -48,6 +48,8 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddFilter(application);
   AddSmooth(application);
   AddMerge(application);
+  AddIsolines(application);
+  AddProfile(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
   try {

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "qeltin/tin/TIN.h"
+
+namespace qeltin::cli {
+
+struct Isoline {
+  std::vector<TPoint> points;
+  bool closed = false;  // the last point is then the first once more
+};
+
+// Draws whole lines of one height over the visible surface, which it follows to both ends. Unlike
+// TIN::GenerateIsoline, which leaves a line in pieces, and closed ones open.
+//
+// A vertex at the height counts as above it, and a line that runs through it has its very x and y;
+// a summit at the height so gives a line of one point. No two consecutive points are equal. Higher
+// ground lies to the right of a line.
+class WholeIsolines {
+ public:
+  // REQUIRES: the surface stays as it is while this object lives.
+  explicit WholeIsolines(TIN const& tin);
+
+  std::vector<Isoline> At(double level);
+
+ private:
+  using Points = std::vector<TPoint>;
+
+  bool IsOpen(TTriangle const& t) const { return !t.IsHidden() && m_Tin.InBounds(t); }
+  bool IsCrossed(TTriangle const& t, int side) const;
+  int OtherCrossed(TTriangle const& t, int side) const;
+  TPoint Crossing(TTriangle const& t, int side) const;
+
+  // Returns the side across which a line comes in with the higher ground to its right, if any line
+  // runs through.
+  std::optional<int> Entry(TTriangle const& t) const;
+
+  Isoline Follow(TTriangle const& start, int entry);
+
+  // Appends the points from `side` of `start` on. Returns true iff the line comes back to `start`.
+  bool Follow(TTriangle const& start, int side, Points& points);
+
+  std::size_t Slot(TTriangle const* t) const { return static_cast<std::size_t>(t - m_pFirst); }
+
+  TIN const& m_Tin;
+  double m_dLevel = 0.0;
+  TTriangle const* m_pFirst = nullptr;  // of the block in which the triangles stand
+  std::vector<bool> m_Walked;           // by slot
+};
+
+}  // namespace qeltin::cli
