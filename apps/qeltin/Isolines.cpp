@@ -1,10 +1,9 @@
-#include <cmath>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "apps/qeltin/Failure.h"
+#include "apps/qeltin/LevelOptions.h"
 #include "apps/qeltin/Progress.h"
 #include "apps/qeltin/Report.h"
 #include "apps/qeltin/Surface.h"
@@ -19,9 +18,7 @@ namespace {
 
 struct IsolineOptions : InputOptions {
   std::string surface;
-  std::vector<std::string> levels;
-  std::string interval;
-  std::string base = "0";
+  LevelOptions levels;
   bool raw = false;
   VectorOptions vector;
 };
@@ -34,50 +31,6 @@ struct IsolineResult {
   long long summits = 0;  // lines of one point, which are left out
   double length = 0.0;    // in plan
 };
-
-double NumberIn(std::string const& text) {
-  double number = 0.0;
-  ParseNumbers(text, &number, 1);
-  return number;
-}
-
-void CheckUsage(IsolineOptions const& options, bool has_base) {
-  if (options.levels.empty() == options.interval.empty()) {
-    throw UsageFailure("give either --level Z or --interval D");
-  }
-  if (has_base && options.interval.empty()) throw UsageFailure("--base needs --interval");
-  if (!options.interval.empty() && NumberIn(options.interval) <= 0.0) {
-    throw UsageFailure("--interval " + options.interval + ": must be above 0");
-  }
-}
-
-// Returns base + k * interval for each whole k that gives a height of the surface.
-std::vector<double> LevelsBetween(SurfaceFacts const& facts, IsolineOptions const& options) {
-  constexpr double MOST = 1e6;
-  double const base = NumberIn(options.base);
-  double const interval = NumberIn(options.interval);
-  double const first = std::floor((facts.lowest - base) / interval);
-  double const last = std::ceil((facts.highest - base) / interval);
-  if (!(last - first < MOST)) {
-    throw Failure(options.surface,
-                  "an interval of " + options.interval + " gives more than a million levels");
-  }
-  std::vector<double> levels;
-  auto const count = static_cast<long long>(last - first) + 1;
-  for (long long i = 0; i < count; ++i) {
-    double const level = base + (first + static_cast<double>(i)) * interval;
-    bool const fresh = levels.empty() || level > levels.back();
-    if (fresh && level >= facts.lowest && level <= facts.highest) levels.push_back(level);
-  }
-  return levels;
-}
-
-std::vector<double> LevelsFor(SurfaceFacts const& facts, IsolineOptions const& options) {
-  if (options.levels.empty()) return LevelsBetween(facts, options);
-  std::set<double> levels;
-  for (std::string const& text : options.levels) levels.insert(NumberIn(text));
-  return {levels.begin(), levels.end()};
-}
 
 // Returns what the library traces, as it traces it.
 std::vector<Isoline> RawIsolines(TIN& tin, double level) {
@@ -134,6 +87,7 @@ void Tell(IsolineOptions const& options, IsolineResult const& result) {
 }
 
 void Run(IsolineOptions const& options) {
+  options.levels.Check();
   Layer const layer{.name = "isolines", .counter = "line", .fields = {{"level", FieldType::REAL}}};
   std::unique_ptr<VectorOutput> const output = CreateVectorOutput(options.vector, layer, options);
   std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
@@ -141,14 +95,15 @@ void Run(IsolineOptions const& options) {
   if (facts.visible_triangles == 0) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");
   }
-  std::vector<double> const levels = LevelsFor(facts, options);
+  std::vector<Level> const levels = options.levels.LevelsOf(facts, options.surface);
   IsolineResult result;
   {
     Progress progress("isolines", static_cast<double>(levels.size()), options.quiet);
-    WholeIsolines whole(*tin);
-    for (double const level : levels) {
-      for (Isoline const& line : options.raw ? RawIsolines(*tin, level) : whole.At(level)) {
-        WriteLine(line, level, *output, result);
+    WholeIsolines whole(*tin, HeightsOf(levels));
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+      double const height = levels[i].height;
+      for (Isoline const& line : options.raw ? RawIsolines(*tin, height) : whole.At(i)) {
+        WriteLine(line, height, *output, result);
       }
       progress.Done(static_cast<double>(++result.levels));
     }
@@ -166,23 +121,7 @@ void AddIsolines(CLI::App& application) {
   command->add_option("surface", options->surface, "A .tin or .ttm surface, or an XYZ text")
       ->required()
       ->type_name("FILE");
-  command->add_option("--level", options->levels, "A height; may be given many times")
-      ->expected(1)
-      ->take_all()
-      ->allow_extra_args(false)
-      ->check(NumberList(1, "a number"))
-      ->type_name("Z");
-  command
-      ->add_option("--interval", options->interval,
-                   "The height from level to level, over the heights of\nthe surface")
-      ->check(NumberList(1, "a number"))
-      ->type_name("D");
-  CLI::Option const* const base =
-      command
-          ->add_option("--base", options->base,
-                       "The level that the interval is counted from; 0\nwithout it")
-          ->check(NumberList(1, "a number"))
-          ->type_name("B");
+  options->levels.AddTo(*command);
   command->add_flag("--raw", options->raw,
                     "Write the lines as TIN::GenerateIsoline traces them: in\n"
                     "pieces that stop a crossing short, of the next or of\n"
@@ -196,10 +135,7 @@ void AddIsolines(CLI::App& application) {
       "other runs from brim to brim of the surface. Higher ground is to the right. A\n"
       "vertex at a level counts as above it; a summit there, which is a line of one\n"
       "point, is left out.");
-  command->callback([options, base] {
-    CheckUsage(*options, base->count() > 0);
-    Run(*options);
-  });
+  command->callback([options] { Run(*options); });
 }
 
 }  // namespace qeltin::cli

@@ -42,6 +42,7 @@ void AddFilter(CLI::App& application);
 void AddSmooth(CLI::App& application);
 void AddMerge(CLI::App& application);
 void AddIsolines(CLI::App& application);
+void AddContours(CLI::App& application);
 void AddProfile(CLI::App& application);
 
 }  // namespace qeltin::cli

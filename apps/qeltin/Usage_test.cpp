@@ -14,7 +14,7 @@ class Usage : public CommandTest {};
 
 std::vector<std::string> const COMMANDS = {
     "sample", "build",  "info",   "height", "convert",  "grid",
-    "volume", "filter", "smooth", "merge",  "isolines", "profile",
+    "volume", "filter", "smooth", "merge",  "isolines", "contours", "profile",
 };
 
 TEST_F(Usage, HelpGoesToStandardOutput) {

@@ -2,27 +2,46 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace qeltin::cli {
 
-WholeIsolines::WholeIsolines(TIN const& tin) : m_Tin(tin) {
+WholeIsolines::WholeIsolines(TIN const& tin, std::vector<double> levels)
+    : m_Tin(tin), m_Levels(std::move(levels)), m_Crossed(m_Levels.size()) {
+  FindBlock();
+  FindCrossed();
+}
+
+void WholeIsolines::FindBlock() {
   TTriangle const* last = nullptr;
-  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
-    TTriangle const* const t = tin.GetTriangle(i, true);
+  for (int i = 0; i < m_Tin.GetNumberOfTriangles(); ++i) {
+    TTriangle const* const t = m_Tin.GetTriangle(i, true);
     m_pFirst = m_pFirst == nullptr ? t : std::min(m_pFirst, t, std::less<>());
     last = last == nullptr ? t : std::max(last, t, std::less<>());
   }
   if (last != nullptr) m_Walked.resize(Slot(last) + 1);
 }
 
-std::vector<Isoline> WholeIsolines::At(double level) {
-  m_dLevel = level;
+void WholeIsolines::FindCrossed() {
+  for (int i = 0; i < m_Tin.GetNumberOfTriangles(); ++i) {
+    TTriangle const* const t = m_Tin.GetTriangle(i, true);
+    if (!IsOpen(*t)) continue;
+    auto const [low, high] =
+        std::minmax({t->m_pVertex[0]->z, t->m_pVertex[1]->z, t->m_pVertex[2]->z});
+    auto level = std::upper_bound(m_Levels.begin(), m_Levels.end(), low);
+    for (; level != m_Levels.end() && *level <= high; ++level) {
+      m_Crossed[static_cast<std::size_t>(level - m_Levels.begin())].push_back(t);
+    }
+  }
+}
+
+std::vector<Isoline> WholeIsolines::At(std::size_t i) {
+  m_dLevel = m_Levels[i];
   m_Walked.assign(m_Walked.size(), false);
   std::vector<Isoline> lines;
-  for (int i = 0; i < m_Tin.GetNumberOfTriangles(); ++i) {
-    TTriangle const& t = *m_Tin.GetTriangle(i, true);
-    std::optional<int> const entry = Entry(t);
-    if (entry && IsOpen(t) && !m_Walked[Slot(&t)]) lines.push_back(Follow(t, *entry));
+  for (TTriangle const* t : m_Crossed[i]) {
+    std::optional<int> const entry = Entry(*t);
+    if (entry && !m_Walked[Slot(t)]) lines.push_back(Follow(*t, *entry));
   }
   return lines;
 }

@@ -13,8 +13,11 @@ struct Isoline {
   bool closed = false;  // the last point is then the first once more
 };
 
-// Draws whole lines of one height over the visible surface, which it follows to both ends. Unlike
+// Draws whole lines of equal height over the visible surface, which it follows to both ends. Unlike
 // TIN::GenerateIsoline, which leaves a line in pieces, and closed ones open.
+//
+// One pass over the surface finds the triangles of all levels. Lines of different levels never
+// cross.
 //
 // A vertex at the height counts as above it, and a line that runs through it has its very x and y;
 // a summit at the height so gives a line of one point. No two consecutive points are equal. Higher
@@ -22,9 +25,11 @@ struct Isoline {
 class WholeIsolines {
  public:
   // REQUIRES: the surface stays as it is while this object lives.
-  explicit WholeIsolines(TIN const& tin);
+  // `levels` rise, each once.
+  WholeIsolines(TIN const& tin, std::vector<double> levels);
 
-  std::vector<Isoline> At(double level);
+  // Returns the lines of level number `i`, in the order of the triangles that they are met in.
+  std::vector<Isoline> At(std::size_t i);
 
  private:
   using Points = std::vector<TPoint>;
@@ -45,7 +50,12 @@ class WholeIsolines {
 
   std::size_t Slot(TTriangle const* t) const { return static_cast<std::size_t>(t - m_pFirst); }
 
+  void FindBlock();
+  void FindCrossed();
+
   TIN const& m_Tin;
+  std::vector<double> m_Levels;
+  std::vector<std::vector<TTriangle const*>> m_Crossed;  // open triangles, for each level
   double m_dLevel = 0.0;
   TTriangle const* m_pFirst = nullptr;  // of the block in which the triangles stand
   std::vector<bool> m_Walked;           // by slot

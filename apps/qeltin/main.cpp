@@ -49,6 +49,7 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddSmooth(application);
   AddMerge(application);
   AddIsolines(application);
+  AddContours(application);
   AddProfile(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
