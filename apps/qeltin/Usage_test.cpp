@@ -13,8 +13,8 @@ using ::testing::StartsWith;
 class Usage : public CommandTest {};
 
 std::vector<std::string> const COMMANDS = {
-    "sample", "build",  "info",   "height", "convert",  "grid",
-    "volume", "filter", "smooth", "merge",  "isolines", "contours", "profile",
+    "sample", "build",  "info",  "height",   "convert",  "grid",    "volume",
+    "filter", "smooth", "merge", "isolines", "contours", "profile",
 };
 
 TEST_F(Usage, HelpGoesToStandardOutput) {

@@ -94,17 +94,6 @@ TPoint* TTriangle::GetOpposingVertex(TEdge const& edge) const {
   return nullptr;
 }
 
-double TTriangle::GetZ(double x, double y) const {
-  TPoint const& A = *m_pVertex[0];
-  TPoint const& B = *m_pVertex[1];
-  TPoint const& C = *m_pVertex[2];
-  double const d = (C.y - A.y) * (B.x - A.x) - (C.x - A.x) * (B.y - A.y);
-  if (d == 0.0) return 0.0;
-  double const p = ((C.y - A.y) * (B.z - A.z) - (C.z - A.z) * (B.y - A.y)) / d;
-  double const q = -((C.x - A.x) * (B.z - A.z) - (C.z - A.z) * (B.x - A.x)) / d;
-  return A.z - A.x * p - A.y * q + (p * x + q * y);
-}
-
 void TTriangle::CutFill(double* first, double* second) const {
   TPoint const& p1 = *m_pVertex[0];
   TPoint const& p2 = *m_pVertex[1];

@@ -77,7 +77,16 @@ class QELTIN_API TTriangle {
 
   // Returns the height of the triangle's plane at (x, y), which need not lie inside; 0 where the
   // triangle has no plan area.
-  double GetZ(double x, double y) const;
+  double GetZ(double x, double y) const {
+    TPoint const& A = *m_pVertex[0];
+    TPoint const& B = *m_pVertex[1];
+    TPoint const& C = *m_pVertex[2];
+    double const d = (C.y - A.y) * (B.x - A.x) - (C.x - A.x) * (B.y - A.y);
+    if (d == 0.0) return 0.0;
+    double const p = ((C.y - A.y) * (B.z - A.z) - (C.z - A.z) * (B.y - A.y)) / d;
+    double const q = -((C.x - A.x) * (B.z - A.z) - (C.z - A.z) * (B.x - A.x)) / d;
+    return A.z - A.x * p - A.y * q + (p * x + q * y);
+  }
 
   // Writes the volume between the triangle and the plane z = 0, the part on one side into `first`
   // and that on the other into `second`, both with the sign of twice the plan area: that of

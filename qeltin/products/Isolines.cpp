@@ -3,13 +3,16 @@
 #include <vector>
 
 #include "qeltin/kernel/TEdge.h"
+#include "qeltin/products/HeightCodes.h"
 #include "qeltin/products/TPolygon.h"
+#include "qeltin/tin/Steering.h"
 #include "qeltin/tin/TIN.h"
 
 namespace {
 
 constexpr double FLAT = 1e-11;  // heights closer than this are one
 constexpr int FEWEST_TRIANGLES = 3;
+constexpr int FEWEST_FAR = 2000;  // triangles; among fewer, a walk from anywhere costs little
 
 int Next(int corner) { return corner == 2 ? 0 : corner + 1; }
 
@@ -30,26 +33,37 @@ class IsolineTracer {
   IsolineTracer(TIN& tin, double level) : m_Tin(tin), m_dLevel(level) {}
 
   void Run(std::vector<TPolygon*>& lines) {
-    int const count = m_Tin.GetNumberOfTriangles();
-    for (int i = 0; i < count; ++i) m_Tin.GetTriangle(i, true)->m_Flags &= NOT_VISITED;
-    for (int i = 0; i < count; ++i) {
-      TTriangle* const t = m_Tin.GetTriangle(i, true);
-      if ((t->m_Flags & (TRI_VISITED | TRI_FILTERED | TRI_OUTSIDE)) != 0) continue;
-      if (!m_Tin.InBounds(*t)) continue;
-      if (IsFlat(*t)) {
-        t->m_Flags |= TRI_VISITED;
-        continue;
-      }
-      int const entry = EntryOf(*t);
-      if (entry == 3) continue;
+    std::vector<TTriangle*> const starts = Sweep();
+    for (TTriangle* t : starts) {
+      if ((t->m_Flags & TRI_VISITED) != 0) continue;
       lines.push_back(new TPolygon);
-      Trace(t, entry, *lines.back());
-      Orient(*lines.back());
+      Trace(t, EntryOf(*t), *lines.back());
+      Orient(*lines.back(), t);
     }
   }
 
  private:
   static constexpr unsigned char NOT_VISITED = static_cast<unsigned char>(~TRI_VISITED);
+
+  // Clears the marks, sets those of the flat triangles, and returns the crossed ones in live order.
+  // Marking the flat ones before the first line is traced changes no line: each of them ends a line
+  // that comes to it, marked or not.
+  std::vector<TTriangle*> Sweep() {
+    HeightCodes const codes(*m_Tin.m_pPoints, m_dLevel);
+    std::vector<TTriangle*> crossed;
+    int const count = m_Tin.GetNumberOfTriangles();
+    for (int i = 0; i < count; ++i) {
+      TTriangle* const t = m_Tin.GetTriangle(i, true);
+      if ((t->m_Flags & TRI_VISITED) != 0) t->m_Flags &= NOT_VISITED;
+      if (!codes.MayMatter(*t) || t->IsHidden() || !m_Tin.InBounds(*t)) continue;
+      if (IsFlat(*t)) {
+        t->m_Flags |= TRI_VISITED;
+      } else if (EntryOf(*t) != 3) {
+        crossed.push_back(t);
+      }
+    }
+    return crossed;
+  }
 
   // Half open: an end at the level is above it.
   bool IsCrossed(TTriangle const& t, int side) const {
@@ -96,9 +110,9 @@ class IsolineTracer {
   }
 
   // Higher ground to the right, as far as corner 0 of the triangle at the first point can tell.
-  void Orient(TPolygon& line) {
+  void Orient(TPolygon& line, TTriangle* start) {
     if (line.GetSize() < 1) return;
-    TTriangle const* const found = m_Tin.m_Triangulator.Find(*line.Get(0));
+    TTriangle const* const found = Locate(*line.Get(0), start);
     if (line.GetSize() < 2 || found == nullptr) return;
     TPoint const& probe = *found->m_pVertex[0];
     int const where = TEdge(line.Get(0), line.Get(1)).XY_ClassifyOrientationOf(probe);
@@ -106,6 +120,19 @@ class IsolineTracer {
         (where == ORIENT_RIGHT && m_dLevel > probe.z)) {
       std::reverse(line.Get(0), line.Get(0) + line.GetSize());
     }
+  }
+
+  // Finds `p`, which lies on a side of `start`. Where the cheap walk fails, chance would choose
+  // from where the next one comes, and so on which side of that side it ends.
+  TTriangle* Locate(TPoint const& p, TTriangle* start) {
+    Triangulator& location = m_Tin.m_Triangulator;
+    bool const chance =
+        m_Tin.GetNumberOfTriangles() >= FEWEST_FAR && m_Tin.m_pStartPoints == nullptr;
+    if (chance && location.m_pCurrent != nullptr) {
+      if (location.Walk(p, CHEAP_WALK) != nullptr) return location.m_pCurrent;
+      location.m_pCurrent = start;
+    }
+    return location.Find(p);
   }
 
   TIN& m_Tin;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
+#include "qeltin/products/GridSampler.h"
 #include "qeltin/tin/TIN.h"
 
 namespace {
@@ -16,6 +18,13 @@ double Spacing(double wanted, double extent) {
 int NodesAlong(double extent, double spacing) {
   double const intervals = std::ceil(extent / spacing);
   return std::isfinite(intervals) ? static_cast<int>(intervals) + 1 : 1;
+}
+
+// Sums, not products.
+std::vector<double> Ascend(double place, double spacing, int nodes) {
+  std::vector<double> places;
+  for (int i = 0; i < nodes; ++i, place += spacing) places.push_back(place);
+  return places;
 }
 
 }  // namespace
@@ -34,17 +43,9 @@ bool TGrid::Create(TIN const& tin, double dx, double dy) {
   m_iNodesY = NodesAlong(height, m_dDeltaY);
   BuildNodes(m_iNodesX * m_iNodesY);
 
-  Node* node = m_pNodes;
-  double y = m_Min.y;
-  for (int j = 0; j < m_iNodesY; ++j, y += m_dDeltaY) {
-    double x = m_Min.x;
-    for (int i = 0; i < m_iNodesX; ++i, x += m_dDeltaX, ++node) {
-      double z;
-      if (!tin.GetZ(x, y, z)) continue;
-      node->m_bValid = true;
-      node->m_Point = TPoint(x, y, z);
-    }
-  }
+  std::vector<double> const xs = Ascend(m_Min.x, m_dDeltaX, m_iNodesX);
+  std::vector<double> const ys = Ascend(m_Min.y, m_dDeltaY, m_iNodesY);
+  qeltin::detail::GridSampler(tin, xs, ys, m_pNodes).Run();
   return true;
 }
 

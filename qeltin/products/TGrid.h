@@ -5,6 +5,10 @@
 
 class TIN;
 
+namespace qeltin::detail {
+class GridSampler;
+}
+
 // Heights of a surface on a regular lattice in plan.
 //
 // Node (i, j) is the i-th from the west in the j-th row from the south, both from 0. A node is
@@ -46,6 +50,8 @@ class QELTIN_API TGrid {
   void GetBounds(TPoint& min, TPoint& max) const;
 
  private:
+  friend class qeltin::detail::GridSampler;
+
   struct Node {
     bool m_bValid = false;
     TPoint m_Point;

@@ -204,7 +204,9 @@ class QELTIN_API TIN {
   // A vertex at the level counts as above it. A line is followed forward only: one that does not
   // close is left in pieces, and a closed one stops at the last crossing before its first point.
   // Higher ground is to the right of the direction of travel, where a probe of one vertex can tell.
-  // Hidden triangles carry no line, and flat ones end it. Moves the TRI_VISITED marks, which stay.
+  // No line begins in a hidden or a flat triangle, and a filtered or a flat one ends it. A crossing
+  // outside the data bounds is left out, so that a line can be without points. Moves the
+  // TRI_VISITED marks, which stay.
   // 0 with fewer than three triangles. Threads: a write, for the marks.
   int GenerateIsoline(std::vector<TPolygon*>& lines, double level);
 

@@ -7,15 +7,16 @@
 
 #include "qeltin/kernel/SideTest.h"
 #include "qeltin/tin/LocationIndex.h"
+#include "qeltin/tin/Steering.h"
 #include "qeltin/tin/TIN.h"
 
+using qeltin::detail::CHEAP_WALK;
 using qeltin::detail::LocationIndex;
+using qeltin::detail::Steering;
 
 namespace {
 
-constexpr int CHEAP_WALK = 20;          // steps that a query may cost before it counts as far
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
-constexpr double FAR_RADII_SQ = 25.0;   // beyond 5 circumradii the index is asked first
 
 // Returns true only where `p` is inside by more than the band of the side test, so that no
 // neighbour accepts it, and away from the corners, where the bands of a triangle behind meet.
@@ -31,44 +32,6 @@ bool IsWellInside(TTriangle const& t, TPoint const& p) {
   }
   return true;
 }
-
-// Answers what TTriangle::WhereTri does, triangle after triangle along a walk over a surface that
-// tiles. There the bound of the side test is the same everywhere, and the side that the walk came
-// in by, which certainly failed from without, certainly passes from within.
-class Steering {
- public:
-  Steering(TPoint const& p, double reach)
-      : m_Point(p), m_dError(qeltin::detail::SideErrorWithin(reach)) {}
-
-  int Where(TTriangle const& t) {
-    bool certain[3] = {true, true, true};
-    int code = 0;
-    for (int side = 0; side < 3; ++side) {
-      if (side == m_iEntry || Passes(t, side, certain[side])) code |= 1 << side;
-    }
-    int const exit = TTriangle::StepFor(code);
-    m_iEntry = exit != 3 && certain[exit] ? t.TriSide(exit) : 3;
-    return exit;
-  }
-
-  // To be called before a triangle that the walk did not come to across a side.
-  void Jump() { m_iEntry = 3; }
-
- private:
-  bool Passes(TTriangle const& t, int side, bool& certain) const {
-    TPoint* const from = t.m_pVertex[side];
-    TPoint* const to = t.m_pVertex[side == 2 ? 0 : side + 1];
-    qeltin::detail::SideProduct const product(*from, *to, m_Point, m_dError);
-    if (product.Certain() == qeltin::detail::Side::Right) return true;
-    if (product.CertainlyFails()) return false;
-    certain = false;
-    return qeltin::detail::PassesSide(from, to, m_Point);
-  }
-
-  TPoint m_Point;
-  double m_dError;
-  int m_iEntry = 3;  // the side that needs no test
-};
 
 // Returns true iff the next step from `t` towards `p` leaves the mesh. No step is sure of a place
 // at infinity.
@@ -124,7 +87,7 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget) {
 
 TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
   bool const tiles = m_pTin->m_bTiling && m_pTin->IsWithinReach(p);
-  Steering steering(p, m_pTin->m_dReach);
+  Steering steering(p, qeltin::detail::SideErrorWithin(m_pTin->m_dReach));
   TTriangle* current = m_pCurrent;
   TTriangle* previous = nullptr;
   for (steps = 0; steps < budget; ++steps) {
@@ -136,6 +99,7 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
     TTriangle* const next = current->m_pAdjacent[side];
     if (next == nullptr) return nullptr;
     if (next != previous) {
+      steering.Cross(*current, side);
       previous = current;
       current = next;
       continue;
@@ -184,9 +148,7 @@ TTriangle* Triangulator::FindNext(TPoint const& p) {
 // A query far from the last one, on a sound structure: the walk from there would end in the
 // triangle that has `p` strictly inside, if it ended within its steps.
 TTriangle* Triangulator::FindFar(TPoint const& p) {
-  double const dx = p.x - m_pCurrent->m_CentreX;
-  double const dy = p.y - m_pCurrent->m_CentreY;
-  if (!(dx * dx + dy * dy > FAR_RADII_SQ * m_pCurrent->m_RadiusSq)) return nullptr;
+  if (!qeltin::detail::IsFar(*m_pCurrent, p)) return nullptr;
 
   TTriangle* const before = m_pCurrent;
   m_pCurrent = m_pIndex->Near(p);

@@ -10,8 +10,9 @@
 class TIN;
 
 namespace qeltin::detail {
+class GridSampler;
 class LocationIndex;
-}
+}  // namespace qeltin::detail
 
 // The location object that a surface holds by value: it remembers the last triangle found, so that
 // queries near each other cost a few steps, and it knows where to look when the next one is far.
@@ -64,6 +65,8 @@ class QELTIN_API Triangulator {
   double m_dDeltaY = 0.0;
 
  private:
+  friend class qeltin::detail::GridSampler;
+
   TTriangle* Walk(TPoint const& p, int budget, int& steps);
   TTriangle* FindByIndex(TPoint const& p);
   bool IndexPays() const;
