@@ -3,8 +3,6 @@
 
 include(CMakePackageConfigHelpers)
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QelTin)
-cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR
-  BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR} OUTPUT_VARIABLE lib_from_bin)
 cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
   BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig OUTPUT_VARIABLE prefix_from_pc)
 
@@ -24,8 +22,6 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/qeltin.pc.in qeltin.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qeltin.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(TARGET qeltin_cli)
-  set_target_properties(qeltin_cli PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
-  install(TARGETS qeltin_cli)
   set(manual ${PROJECT_SOURCE_DIR}/docs/man/qeltin.1)
   if(EXISTS ${manual})
     install(FILES ${manual} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
