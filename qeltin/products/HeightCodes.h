@@ -35,9 +35,8 @@ class HeightCodes {
     unsigned const code = m_Codes[a];
     unsigned const other = m_Codes[b];
     unsigned const third = m_Codes[c];
-    bool const sides = (((code ^ other) | (code ^ third)) & SIDES) != 0;
-    bool const steps = AreNear(code, other) & AreNear(code, third);
-    return sides | steps;
+    unsigned const sides = ((code ^ other) | (code ^ third)) & SIDES;
+    return (sides | (AreNear(code, other) & AreNear(code, third))) != 0;
   }
 
  private:
@@ -56,7 +55,10 @@ class HeightCodes {
     return static_cast<std::uint8_t>(side | (steps & STEPS));
   }
 
-  static bool AreNear(unsigned code, unsigned other) { return ((code - other + 1) & STEPS) <= 2; }
+  // Returns 1 or 0. Whoever asks combines the answers without a branch.
+  static unsigned AreNear(unsigned code, unsigned other) {
+    return ((code - other + 1) & STEPS) <= 2 ? 1U : 0U;
+  }
 
   // A number past the table for a point of another pool.
   std::size_t SlotOf(TPoint const* p) const {
