@@ -1,8 +1,6 @@
 // Traces the lines of 20 heights over a surface, one call each.
-#include <algorithm>
-
 #include "bench/BuildSurface.h"
-#include "bench/Levels.h"
+#include "bench/HeightLevels.h"
 #include "bench/Measurement.h"
 #include "qeltin/products/TPolygon.h"
 
@@ -18,9 +16,9 @@ namespace {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Task const task = ParseTask(argc, argv, {"isolines"});
+  Task const task = ParseTask(argc, argv, {"levels"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
-  std::vector<double> const levels = MakeLevels(points);
+  std::vector<double> const levels = HeightLevels(points);
 
   Measurement measurement;
   TIN tin;
@@ -31,15 +29,15 @@ int main(int argc, char** argv) {
   TraceLevels(tin, levels, lines);
   measurement.Stop();
 
-  double vertices = 0.0;
+  double crossings = 0.0;
   double length = 0.0;
   for (TPolygon* line : lines) {
-    vertices += line->GetSize();
+    crossings += line->GetSize();
     length += line->Length();
     delete line;
   }
   measurement.AddFact("lines", static_cast<double>(lines.size()));
-  measurement.AddFact("vertices", vertices);
+  measurement.AddFact("crossings", crossings);
   measurement.AddFact("length", length);
   measurement.Report(task);
 }

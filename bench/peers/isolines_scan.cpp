@@ -3,7 +3,7 @@
 #include <unordered_map>
 
 #include "bench/BuildSurface.h"
-#include "bench/Levels.h"
+#include "bench/HeightLevels.h"
 #include "bench/Measurement.h"
 
 using namespace qeltin::bench;
@@ -61,9 +61,9 @@ TPoint Crossing(TPoint const& a, TPoint const& b, double level) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Task const task = ParseTask(argc, argv, {"isolines"});
+  Task const task = ParseTask(argc, argv, {"levels"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
-  std::vector<double> const levels = MakeLevels(points);
+  std::vector<double> const levels = HeightLevels(points);
   Mesh mesh;
   {
     TIN tin;
