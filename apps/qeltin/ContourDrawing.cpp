@@ -57,7 +57,7 @@ TPolygon StraightStretches(std::vector<TPoint> const& points) {
   return stretches;
 }
 
-void AppendPixel(std::string& text, double value) { NumberStyle{2}.Append(text, value); }
+void AppendPixel(std::string& text, double value) { NumberStyle{1}.Append(text, value); }
 
 }  // namespace
 
