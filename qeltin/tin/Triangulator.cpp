@@ -17,6 +17,7 @@ using qeltin::detail::Steering;
 namespace {
 
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
+constexpr int TRIANGLES_A_STEP = 4;     // that an index takes in while a long walk takes one step
 
 // Returns true only where `p` is inside by more than the band of the side test, so that no
 // neighbour accepts it, and away from the corners, where the bands of a triangle behind meet.
@@ -179,7 +180,7 @@ TTriangle* Triangulator::FindByIndex(TPoint const& p) {
 // then have cost as much as building it.
 bool Triangulator::IndexPays() const {
   int const count = m_pTriangles->m_iCount;
-  return count / 2 >= m_iIndexed && m_iLongSteps > count;
+  return count / 2 >= m_iIndexed && m_iLongSteps > count / TRIANGLES_A_STEP;
 }
 
 TTriangle* Triangulator::FindBySample(TPoint const& p) {
