@@ -396,12 +396,18 @@ TEST_F(Isolines, LinesAreWholeOnRealSurveys) {
     char const* file;
     char const* interval;
   };
-  for (Case const& c : {Case{"dem_volcano_5k.xyz", "5"}, Case{"sbes_opinicon_20k.xyz", "1"},
-                        Case{"topo_original_ground_4k.xyz", "2.5"}}) {
+  for (Case const& c :
+       {Case{"dem_volcano_5k.xyz", "5"}, Case{"sbes_opinicon_20k.xyz", "1"},
+        Case{"topo_original_ground_4k.xyz", "2.5"}, Case{"building_pad_172.ttm", "0.5"},
+        Case{"carrs_basins_600.ttm", "0.25"}, Case{"original_ground_4155.ttm", "1"}}) {
     SCOPED_TRACE(c.file);
-    MustRun({"build", std::string(folder) + '/' + c.file, "-o", "real.tin", "--overwrite", "-q"});
-    TIN const tin(m_Folder.Wide("real.tin").c_str());
-    Drawn const drawn = Draw("real.tin", {"--interval", c.interval});
+    std::string surface = std::string(folder) + '/' + c.file;
+    if (surface.ends_with(".xyz")) {
+      MustRun({"build", surface, "-o", "real.tin", "--overwrite", "-q"});
+      surface = m_Folder.Path("real.tin").string();
+    }
+    TIN const tin(qeltin::FromUtf8(surface).c_str());
+    Drawn const drawn = Draw(surface, {"--interval", c.interval});
     EXPECT_GT(drawn.lines.size(), 8u);
     for (auto const& [level, lines] : drawn.lines) ExpectWhole(lines, tin, level);
   }
