@@ -56,7 +56,20 @@ bool PointMap::RemoveTriangle(TTriangle* triangle) {
 }
 
 bool PointMap::Build(TIN const& tin) {
+  bool const fresh = m_Tree.empty();
   for (int i = 0; i < tin.GetNumberOfPoints(); ++i) AddPoint(tin.GetPoint(i));
-  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) AddTriangle(tin.GetTriangle(i, true));
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    TTriangle* const triangle = tin.GetTriangle(i, true);
+    fresh ? EnterNew(triangle) : static_cast<void>(AddTriangle(triangle));
+  }
   return m_Tree.empty();  // true for an empty map, not for success
+}
+
+void PointMap::EnterNew(TTriangle* triangle) {
+  for (TPoint const* corner : triangle->m_pVertex) {
+    PointMapNode* const node = Find(corner);
+    if (node == nullptr) return;
+    auto& list = node->m_Triangles;
+    if (list.empty() || list.back() != triangle) list.push_back(triangle);
+  }
 }

@@ -91,6 +91,9 @@ class QELTIN_API PointMap {
  private:
   PointMapNode* Find(TPoint const* point);
 
+  // As AddTriangle, for a triangle that no list holds yet: the lists need not be searched.
+  void EnterNew(TTriangle* triangle);
+
   std::map<PointMapNode, PointMapNode> m_Tree;  // the mapped node carries the triangles
   static PointMapNode const m_ErrNode;
 };

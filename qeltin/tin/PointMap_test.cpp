@@ -304,6 +304,32 @@ TEST(PointMap, BuildEntersEveryTriangleInLiveOrderHiddenOnesToo) {
   ExpectSound(tin);
 }
 
+TEST(PointMap, BuildEntersATriangleOnceWhereACornerRepeats) {
+  TIN tin;
+  BuildSquare(tin);
+  TTriangle* const t = tin.GetTriangle(0, true);
+  t->m_pVertex[1] = t->m_pVertex[0];
+  PointMap map;
+  map.Build(tin);
+  Triangles const triangles = map.FindPoint(t->m_pVertex[0]).GetTriangles();
+  EXPECT_EQ(std::count(triangles.begin(), triangles.end(), t), 1);
+}
+
+// As a damaged file may have it. A search of the list for each would look at 4e8 entries.
+TEST(PointMap, BuildTakesManyTrianglesAboutOnePoint) {
+  TIN tin;
+  constexpr int COUNT = 29000;
+  tin.Init(COUNT, TPoint(-1, -1), TPoint(1, 1));
+  TPoint* const a = TINPeer::Points(tin)->Add(TPoint(0, 0, 1));
+  TPoint* const b = TINPeer::Points(tin)->Add(TPoint(0, 1, 1));
+  TPoint* const c = TINPeer::Points(tin)->Add(TPoint(1, 0, 1));
+  for (int i = 0; i < COUNT; ++i) TINPeer::AddTriangle(tin, TTriangle(a, b, c));
+  PointMap map;
+  map.Build(tin);
+  ASSERT_EQ(map.FindPoint(a).NumberOfTriangles(), COUNT);
+  EXPECT_EQ(map.FindPoint(a)[COUNT - 1], tin.GetTriangle(COUNT - 1, true));
+}
+
 TEST(PointMap, BuildOnASurfaceReplacesItsMapAndAnswersTrue) {
   TIN tin;
   BuildSquare(tin);
