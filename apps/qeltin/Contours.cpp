@@ -7,12 +7,9 @@
 #include "apps/qeltin/ContourDrawing.h"
 #include "apps/qeltin/Failure.h"
 #include "apps/qeltin/Interrupt.h"
-#include "apps/qeltin/LevelOptions.h"
+#include "apps/qeltin/LineTally.h"
 #include "apps/qeltin/Progress.h"
-#include "apps/qeltin/Report.h"
 #include "apps/qeltin/Surface.h"
-#include "apps/qeltin/SurfaceInput.h"
-#include "apps/qeltin/VectorOutput.h"
 #include "apps/qeltin/WholeIsolines.h"
 #include "qeltin/contour/TINContourCreator.h"
 
@@ -20,29 +17,11 @@ namespace qeltin::cli {
 
 namespace {
 
-struct ContourOptions : InputOptions {
-  std::string surface;
-  LevelOptions levels;
-  VectorOptions vector;
+struct ContourOptions : LevelLineOptions {
   double min_length = 0.0;
   long long index_every = 5;
   bool as_generated = false;
 };
-
-struct ContourResult {
-  long long levels = 0;
-  long long lines = 0;
-  long long closed = 0;
-  long long points = 0;
-  long long short_lines = 0;  // left out
-  double length = 0.0;        // in plan
-};
-
-double LengthOf(std::vector<TPoint> const& points) {
-  double length = 0.0;
-  for (std::size_t i = 1; i < points.size(); ++i) length += points[i - 1].XY_Distance(points[i]);
-  return length;
-}
 
 // Hands each line on to the file, or to the picture.
 class Sink {
@@ -63,15 +42,12 @@ class Sink {
   }
 
   void Take(std::vector<TPoint> const& points, bool closed, Level const& level) {
-    double const length = LengthOf(points);
+    double const length = PlanLength(points);
     if (length < m_Options.min_length) {
-      ++m_Result.short_lines;
+      ++m_Tally.left_out;
       return;
     }
-    ++m_Result.lines;
-    m_Result.closed += closed ? 1 : 0;
-    m_Result.points += static_cast<long long>(points.size());
-    m_Result.length += length;
+    m_Tally.Add(points, closed, length);
     bool const index = m_Options.index_every > 0 && level.number % m_Options.index_every == 0;
     if (m_pDrawing != nullptr) {
       m_pDrawing->Add(points, index, m_Options.vector.style.Text(level.height));
@@ -80,17 +56,17 @@ class Sink {
     }
   }
 
-  ContourResult End(std::size_t levels) {
+  LineTally End(std::size_t levels) {
     m_pDrawing != nullptr ? m_pDrawing->Close() : m_pOutput->Close();
-    m_Result.levels = static_cast<long long>(levels);
-    return m_Result;
+    m_Tally.levels = static_cast<long long>(levels);
+    return m_Tally;
   }
 
  private:
   ContourOptions const& m_Options;
   std::unique_ptr<VectorOutput> m_pOutput;
   std::unique_ptr<ContourDrawing> m_pDrawing;
-  ContourResult m_Result;
+  LineTally m_Tally;
 };
 
 void Chart(TIN const& tin, std::vector<Level> const& levels, bool quiet, Sink& sink) {
@@ -127,33 +103,6 @@ void Generate(TIN const& tin, std::vector<Level> const& levels, bool quiet, Sink
   }
 }
 
-void Tell(ContourOptions const& options, ContourResult const& result) {
-  NumberStyle const style = options.vector.style;
-  if (result.short_lines > 0) {
-    options.Note(std::to_string(result.short_lines) +
-                 (result.short_lines == 1 ? " short line is" : " short lines are") + " left out");
-  }
-  if (result.lines == 0) options.Note(options.surface + ": no line at the levels asked for");
-  if (options.json) {
-    PrintResult(Dump({{"file", options.vector.output},
-                      {"levels", result.levels},
-                      {"lines", result.lines},
-                      {"closed", result.closed},
-                      {"points", result.points},
-                      {"left_out", result.short_lines},
-                      {"length", style.Rounded(result.length)}}));
-    return;
-  }
-  if (options.quiet) return;
-  Report report(style);
-  report.Add("levels", result.levels);
-  report.Add("lines", result.lines);
-  report.Add("closed lines", result.closed);
-  report.Add("points", result.points);
-  report.Add("length", style.Text(result.length));
-  PrintResult(report.Text());
-}
-
 void Run(ContourOptions const& options) {
   options.levels.Check();
   Sink sink(options);
@@ -164,7 +113,7 @@ void Run(ContourOptions const& options) {
   }
   std::vector<Level> const levels = options.levels.LevelsOf(facts, options.surface);
   (options.as_generated ? Generate : Chart)(*tin, levels, options.quiet, sink);
-  Tell(options, sink.End(levels.size()));
+  Tell(options, sink.End(levels.size()), "short line is", "short lines are");
 }
 
 }  // namespace

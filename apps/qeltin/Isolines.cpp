@@ -3,12 +3,9 @@
 #include <vector>
 
 #include "apps/qeltin/Failure.h"
-#include "apps/qeltin/LevelOptions.h"
+#include "apps/qeltin/LineTally.h"
 #include "apps/qeltin/Progress.h"
-#include "apps/qeltin/Report.h"
 #include "apps/qeltin/Surface.h"
-#include "apps/qeltin/SurfaceInput.h"
-#include "apps/qeltin/VectorOutput.h"
 #include "apps/qeltin/WholeIsolines.h"
 #include "qeltin/products/TPolygon.h"
 
@@ -16,20 +13,8 @@ namespace qeltin::cli {
 
 namespace {
 
-struct IsolineOptions : InputOptions {
-  std::string surface;
-  LevelOptions levels;
+struct IsolineOptions : LevelLineOptions {
   bool raw = false;
-  VectorOptions vector;
-};
-
-struct IsolineResult {
-  long long levels = 0;
-  long long lines = 0;
-  long long closed = 0;
-  long long points = 0;
-  long long summits = 0;  // lines of one point, which are left out
-  double length = 0.0;    // in plan
 };
 
 // Returns what the library traces, as it traces it.
@@ -44,46 +29,13 @@ std::vector<Isoline> RawIsolines(TIN& tin, double level) {
   return lines;
 }
 
-void WriteLine(Isoline const& line, double level, VectorOutput& output, IsolineResult& result) {
+void WriteLine(Isoline const& line, double level, VectorOutput& output, LineTally& tally) {
   if (line.points.size() < 2) {
-    ++result.summits;
+    ++tally.left_out;
     return;
   }
-  ++result.lines;
-  if (line.closed) ++result.closed;
-  result.points += static_cast<long long>(line.points.size());
-  for (std::size_t i = 1; i < line.points.size(); ++i) {
-    result.length += line.points[i - 1].XY_Distance(line.points[i]);
-  }
+  tally.Add(line.points, line.closed, PlanLength(line.points));
   output.Add({line.points, {}, {level}});
-}
-
-void Tell(IsolineOptions const& options, IsolineResult const& result) {
-  NumberStyle const style = options.vector.style;
-  if (result.summits > 0) {
-    options.Note(std::to_string(result.summits) +
-                 (result.summits == 1 ? " line of one point is" : " lines of one point are") +
-                 " left out");
-  }
-  if (result.lines == 0) options.Note(options.surface + ": no line at the levels asked for");
-  if (options.json) {
-    PrintResult(Dump({{"file", options.vector.output},
-                      {"levels", result.levels},
-                      {"lines", result.lines},
-                      {"closed", result.closed},
-                      {"points", result.points},
-                      {"left_out", result.summits},
-                      {"length", style.Rounded(result.length)}}));
-    return;
-  }
-  if (options.quiet) return;
-  Report report(style);
-  report.Add("levels", result.levels);
-  report.Add("lines", result.lines);
-  report.Add("closed lines", result.closed);
-  report.Add("points", result.points);
-  report.Add("length", style.Text(result.length));
-  PrintResult(report.Text());
 }
 
 void Run(IsolineOptions const& options) {
@@ -96,20 +48,20 @@ void Run(IsolineOptions const& options) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");
   }
   std::vector<Level> const levels = options.levels.LevelsOf(facts, options.surface);
-  IsolineResult result;
+  LineTally tally;
   {
     Progress progress("isolines", static_cast<double>(levels.size()), options.quiet);
     WholeIsolines whole(*tin, HeightsOf(levels));
     for (std::size_t i = 0; i < levels.size(); ++i) {
       double const height = levels[i].height;
       for (Isoline const& line : options.raw ? RawIsolines(*tin, height) : whole.At(i)) {
-        WriteLine(line, height, *output, result);
+        WriteLine(line, height, *output, tally);
       }
-      progress.Done(static_cast<double>(++result.levels));
+      progress.Done(static_cast<double>(++tally.levels));
     }
   }
   output->Close();
-  Tell(options, result);
+  Tell(options, tally, "line of one point is", "lines of one point are");
 }
 
 }  // namespace
