@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
 #include <cmath>
@@ -210,6 +211,42 @@ TEST(ContourStop, WholeLevelsUpToTheOneUnderWork) {
       ASSERT_EQ(list[same][0], whole[same][0]);
     }
     EXPECT_EQ(whole.Find(last, 0), same);
+  }
+}
+
+TEST(ContourReferenceOnSurveys, SameLinesHeightsAndMarks) {
+  char const* const folder = std::getenv("QELTIN_SURVEYS");
+  if (folder == nullptr) GTEST_SKIP() << "QELTIN_SURVEYS names no folder of surveys";
+  for (char const* name :
+       {"dem_volcano_5k.xyz", "topo_original_ground_4k.xyz", "sbes_opinicon_20k.xyz",
+        "mbes_riverbed_100k.xyz", "original_ground_4155.ttm", "carrs_basins_600.ttm"}) {
+    TIN tin;
+    std::string const file = std::string(folder) + '/' + name;
+    ASSERT_TRUE(tin.Load(std::wstring(file.begin(), file.end()).c_str())) << file;
+    double low = 1e300;
+    double high = -1e300;
+    for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+      TTriangle const* const t = tin.GetTriangle(i, false);
+      if (t == nullptr) continue;
+      low = std::min(low, t->m_pVertex[0]->z);
+      high = std::max(high, t->m_pVertex[0]->z);
+    }
+    std::vector<double> levels;
+    for (int i = 0; i < 8; ++i) levels.push_back(std::floor(low + (high - low) * i / 8));
+    levels.push_back((low + high) / 2);
+    State const before(tin);
+    ForgetPlaces(tin);
+    ContourList expected;
+    ReferenceContourCreator reference(tin);
+    reference.AddLevels(levels, expected, RUNNING);
+    State const expected_state(tin);
+    before.Restore(tin);
+    ForgetPlaces(tin);
+    ContourList list;
+    TINContourCreator(&tin).AddLevels(levels, list, RUNNING);
+    EXPECT_GT(list.Size(), 0) << name;
+    ExpectSame(list, expected);
+    State(tin).ExpectSame(expected_state);
   }
 }
 
