@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-// Composes LAS files of every version and point format byte by byte, as the ASPRS LAS specification
-// lays them out. Nothing is checked, so that unsound files can be composed too.
+// Composes LAS files of every version and point format byte by byte, after the LAS format of the
+// ASPRS. Nothing is checked, so that unsound files can be composed too.
 namespace qeltin::testing {
 
 struct LasRecord {

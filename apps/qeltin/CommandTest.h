@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "qeltin/kernel/TPoint.h"
 #include "testing/TemporaryFolder.h"
 
 // Runs the command as a shell does, and looks at what comes out.
@@ -220,6 +221,19 @@ class CommandTest : public ::testing::Test {
     Ran ran = Run(std::move(arguments));
     EXPECT_EQ(ran.status, 0) << ran.err;
     return ran;
+  }
+
+  // Puts the surface of `points` as s.tin and returns that name.
+  std::string PutSurvey(std::vector<TPoint> const& points) const {
+    std::string text;
+    for (TPoint const& p : points) {
+      char line[120];
+      std::snprintf(line, sizeof line, "%.17g %.17g %.17g\n", p.x, p.y, p.z);
+      text += line;
+    }
+    m_Folder.Put("s.xyz", text);
+    MustRun({"build", "s.xyz", "-o", "s.tin", "-q", "--overwrite"});
+    return "s.tin";
   }
 
   // Expects status 1 and exactly this line.

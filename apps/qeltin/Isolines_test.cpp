@@ -61,18 +61,6 @@ class Isolines : public CommandTest {
     }
     return drawn;
   }
-
-  std::string PutSurvey(std::vector<TPoint> const& points) const {
-    std::string text;
-    for (TPoint const& p : points) {
-      char line[120];
-      std::snprintf(line, sizeof line, "%.17g %.17g %.17g\n", p.x, p.y, p.z);
-      text += line;
-    }
-    m_Folder.Put("s.xyz", text);
-    MustRun({"build", "s.xyz", "-o", "s.tin", "-q", "--overwrite"});
-    return "s.tin";
-  }
 };
 
 double LengthOf(Line const& line) {

@@ -27,7 +27,7 @@ struct LasPoint {
 };
 
 // Reads the points of an uncompressed LAS file of version 1.0 to 1.4 and point format 0 to 10, in
-// their order and in constant memory, as the ASPRS LAS specification lays them out. A coordinate is
+// their order and in constant memory, after the LAS format of the ASPRS. A coordinate is
 // stored * scale + offset, in double precision.
 //
 // The constructor throws Failure where the file is none, is compressed, is of a version or point

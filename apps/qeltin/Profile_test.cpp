@@ -252,14 +252,7 @@ TEST_F(Profile, FollowsEveryKindOfSurvey) {
                             Survey::Cocircular, Survey::Duplicates, Survey::Spiral}) {
     SCOPED_TRACE(NameOf(kind));
     std::vector<TPoint> const points = MakeSurvey(kind, 300, seed, qeltin::testing::AT_UTM);
-    std::string text;
-    for (TPoint const& p : points) {
-      char line[120];
-      std::snprintf(line, sizeof line, "%.17g %.17g %.17g\n", p.x, p.y, p.z);
-      text += line;
-    }
-    m_Folder.Put("s.xyz", text);
-    MustRun({"build", "s.xyz", "-o", "s.tin", "-q", "--overwrite"});
+    PutSurvey(points);
     TIN const tin(m_Folder.Wide("s.tin").c_str());
 
     // Half of the lines run from one sounding to another, and so through vertices.
@@ -303,14 +296,7 @@ TEST_F(Profile, FollowsEveryKindOfSurvey) {
 
 TEST_F(Profile, CrossesTheSidesThatTheLibraryCrosses) {
   std::vector<TPoint> const points = MakeSurvey(Survey::Uniform, 300, TestSeed());
-  std::string text;
-  for (TPoint const& p : points) {
-    char line[120];
-    std::snprintf(line, sizeof line, "%.17g %.17g %.17g\n", p.x, p.y, p.z);
-    text += line;
-  }
-  m_Folder.Put("s.xyz", text);
-  MustRun({"build", "s.xyz", "-o", "s.tin", "-q"});
+  PutSurvey(points);
   TIN const tin(m_Folder.Wide("s.tin").c_str());
   TPoint const from{400.25, 401.5};
   TPoint const to{590.75, 622.125};

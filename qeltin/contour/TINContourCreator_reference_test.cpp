@@ -123,6 +123,22 @@ std::vector<double> LevelsFor(TIN const& tin, Dice& dice) {
   return levels;
 }
 
+// Runs the plain version and then ours from the same state, and returns how many lines there were.
+int CompareRuns(TIN& tin, std::vector<double> const& levels) {
+  State const before(tin);
+  ForgetPlaces(tin);
+  ContourList expected;
+  ReferenceContourCreator(tin).AddLevels(levels, expected, RUNNING);
+  State const expected_state(tin);
+  before.Restore(tin);
+  ForgetPlaces(tin);
+  ContourList list;
+  TINContourCreator(&tin).AddLevels(levels, list, RUNNING);
+  ExpectSame(list, expected);
+  State(tin).ExpectSame(expected_state);
+  return list.Size();
+}
+
 class ContourReference : public ::testing::TestWithParam<std::tuple<Survey, Place>> {};
 
 TEST_P(ContourReference, SameLinesHeightsAndMarks) {
@@ -234,19 +250,7 @@ TEST(ContourReferenceOnSurveys, SameLinesHeightsAndMarks) {
     std::vector<double> levels;
     for (int i = 0; i < 8; ++i) levels.push_back(std::floor(low + (high - low) * i / 8));
     levels.push_back((low + high) / 2);
-    State const before(tin);
-    ForgetPlaces(tin);
-    ContourList expected;
-    ReferenceContourCreator reference(tin);
-    reference.AddLevels(levels, expected, RUNNING);
-    State const expected_state(tin);
-    before.Restore(tin);
-    ForgetPlaces(tin);
-    ContourList list;
-    TINContourCreator(&tin).AddLevels(levels, list, RUNNING);
-    EXPECT_GT(list.Size(), 0) << name;
-    ExpectSame(list, expected);
-    State(tin).ExpectSame(expected_state);
+    EXPECT_GT(CompareRuns(tin, levels), 0) << name;
   }
 }
 
@@ -264,18 +268,7 @@ TEST(ContourReferenceOnBrokenStructures, SameLinesHeightsAndMarks) {
           dice.OneIn(2) ? nullptr : tin.GetTriangle(dice.Below(tin.GetNumberOfTriangles()), true);
     }
     std::vector<double> const levels = LevelsFor(tin, dice);
-    State const before(tin);
-    ForgetPlaces(tin);
-    ContourList expected;
-    ReferenceContourCreator reference(tin);
-    reference.AddLevels(levels, expected, RUNNING);
-    State const expected_state(tin);
-    before.Restore(tin);
-    ForgetPlaces(tin);
-    ContourList list;
-    TINContourCreator(&tin).AddLevels(levels, list, RUNNING);
-    ExpectSame(list, expected);
-    State(tin).ExpectSame(expected_state);
+    CompareRuns(tin, levels);
     if (HasFatalFailure()) return;
   }
 }

@@ -1,4 +1,4 @@
-// Trimble terrain models: what a load makes of each layout, and of files that no maker writes.
+// Trimble terrain models: what a load makes of each layout.
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,7 @@
 #include "qeltin/platform/CQelUnitCnv.h"
 #include "testing/ExpectInside.h"
 #include "testing/Formula.h"
+#include "testing/LoadedTrimble.h"
 #include "testing/MakeSurvey.h"
 #include "testing/NativeFileWriter.h"
 #include "testing/TINPeer.h"
@@ -23,41 +24,6 @@ namespace {
 using namespace qeltin::testing;
 using Fault = TINFile::Fault;
 
-// A file of its own, and what comes of loading it.
-class Loaded {
- public:
-  explicit Loaded(std::string const& bytes, CQelUnitCnv* converter = nullptr) {
-    m_Folder.Put("model.ttm", bytes);
-    file.SetUnitConverter(converter);
-    result = file.LoadTrimbleTINModel(m_Folder.Wide("model.ttm").c_str(), tin);
-    EXPECT_EQ(m_Folder.Get("model.ttm"), bytes);
-  }
-  std::vector<int> Border() { return Entries(*TINPeer::Border(tin)); }
-  std::vector<TArrayStartPoint> Starts() { return Entries(*TINPeer::StartPoints(tin)); }
-  int Corner(int triangle, int k) {
-    return static_cast<int>(tin.GetTriangle(triangle, true)->m_pVertex[k] - tin.GetPoint(0));
-  }
-  // The position of a neighbour, -1 for none.
-  int Adjacent(int triangle, int k) {
-    TTriangle const* const adjacent = tin.GetTriangle(triangle, true)->m_pAdjacent[k];
-    return adjacent == nullptr ? -1 : static_cast<int>(adjacent - tin.GetTriangle(0, true));
-  }
-
-  TIN tin;
-  TINFile file;
-  unsigned int result = 0;
-
- private:
-  template <typename T>
-  static std::vector<T> Entries(TArray<T> const& list) {
-    std::vector<T> entries;
-    for (int i = 0; i < list.m_iCount; ++i) entries.push_back(*list.At(i));
-    return entries;
-  }
-
-  TemporaryFolder m_Folder;
-};
-
 void PatchRecordSize(std::string& bytes, std::size_t table, int size) {
   Patch(bytes, table + TRIMBLE_RECORD_SIZE_IN_TABLE, static_cast<std::int16_t>(size));
 }
@@ -67,40 +33,6 @@ CQelUnitCnv Feet() {
   converter.SetFactor(1, 0.3048);
   converter.SetFactor(0, 7.0);  // of no meaning to a model
   return converter;
-}
-
-void ExpectSquare(Loaded& l) {
-  EXPECT_EQ(l.result, 4U);
-  EXPECT_EQ(l.file.LastError(), 0);
-  EXPECT_EQ(l.file.LastFault(), Fault::NONE);
-  ASSERT_EQ(l.tin.GetNumberOfPoints(), 4);
-  EXPECT_EQ(*l.tin.GetPoint(0), TPoint(500, 9001, -9));
-  EXPECT_EQ(*l.tin.GetPoint(1), TPoint(500, 9008.5, 9));
-  EXPECT_EQ(*l.tin.GetPoint(2), TPoint(504, 9008.5, 9.5));
-  EXPECT_EQ(*l.tin.GetPoint(3), TPoint(504, 9001, 2));
-  ASSERT_EQ(l.tin.GetNumberOfTriangles(), 2);
-  TrimbleModel const square = TrimbleSquare();
-  for (int i = 0; i < 2; ++i) {
-    for (int k = 0; k < 3; ++k) {
-      EXPECT_EQ(l.Corner(i, k), square.triangles[i].corners[k] - 1);
-    }
-    EXPECT_EQ(l.tin.GetTriangle(i, true)->m_Flags, 0);
-  }
-  EXPECT_EQ(l.Adjacent(0, 0), -1);
-  EXPECT_EQ(l.Adjacent(0, 1), -1);
-  EXPECT_EQ(l.Adjacent(0, 2), 1);
-  EXPECT_EQ(l.Adjacent(1, 0), 0);
-  EXPECT_EQ(l.Adjacent(1, 2), -1);
-  EXPECT_EQ(l.Border(), (std::vector<int>{0, 1}));
-  std::vector<TArrayStartPoint> const starts = l.Starts();
-  ASSERT_EQ(starts.size(), 2U);
-  EXPECT_EQ(starts[0].x, 501);
-  EXPECT_EQ(starts[0].y, 9007);
-  EXPECT_EQ(starts[0].z, 0);
-  EXPECT_EQ(starts[0].triangle, 0);
-  EXPECT_EQ(starts[1].x, 503);
-  EXPECT_EQ(starts[1].y, 9002.5);
-  EXPECT_EQ(starts[1].triangle, 1);
 }
 
 // --- What a model holds ---------------------------------------------------------------------
@@ -450,45 +382,6 @@ TEST(TINFileTrimble, AModelWithoutVerticesAnswers0) {
   EXPECT_EQ(TINPeer::LastTriangle(tin), nullptr);
 }
 
-// --- Files that are none --------------------------------------------------------------------
-
-void ExpectEmpty(TIN const& tin) {
-  EXPECT_EQ(TINPeer::Points(tin), nullptr);
-  EXPECT_EQ(TINPeer::Triangles(tin), nullptr);
-  TPoint corners[4] = {TPoint(1), TPoint(1), TPoint(1), TPoint(1)};
-  tin.GetBounds(corners[0], corners[1]);
-  tin.GetWorldBounds(corners[2], corners[3]);
-  for (TPoint const& corner : corners) EXPECT_EQ(corner, TPoint());
-}
-
-TEST(TINFileTrimble, AWrongMagicLeavesAnEmptySurface) {
-  std::string const bytes = TrimbleFile(TrimbleSquare());
-  for (std::size_t at = TRIMBLE_MAGIC_AT; at < TRIMBLE_MAGIC_AT + 16; ++at) {
-    std::string patched = bytes;
-    patched[at] = '_';
-    Loaded const l(patched);
-    EXPECT_EQ(l.result, 0U);
-    ExpectEmpty(l.tin);
-    EXPECT_EQ(l.file.LastFault(), Fault::WRONG_MAGIC);
-  }
-}
-
-TEST(TINFileTrimble, AHeaderThatIsCutOffIsNone) {
-  std::string const bytes = TrimbleFile(TrimbleSquare());
-  for (std::size_t size : {0, 1, 18, 148}) {
-    Loaded const l(bytes.substr(0, size));
-    EXPECT_EQ(l.result, 0U);
-    ExpectEmpty(l.tin);
-  }
-}
-
-TEST(TINFileTrimble, AMissingFileEmptiesTheSurface) {
-  Loaded l(TrimbleFile(TrimbleSquare()));
-  EXPECT_EQ(l.file.LoadTrimbleTINModel(L"/missing/model.ttm", l.tin), 0U);
-  EXPECT_EQ(l.file.LastError(), ENOENT);
-  ExpectEmpty(l.tin);
-}
-
 // --- The lists ------------------------------------------------------------------------------
 
 TEST(TINFileTrimble, EachLoadReplacesTheListsAndNothingElseDoes) {
@@ -526,110 +419,6 @@ TEST(TINFileTrimble, ACopyThatLoadsAModelOwnsItsLists) {
   EXPECT_NE(TINPeer::Border(copy), TINPeer::Border(tin));
   EXPECT_EQ(TINPeer::Border(tin)->m_iCount, 2);
   EXPECT_EQ(TINPeer::StartPoints(tin)->m_iCount, 2);
-}
-
-// --- Damage ---------------------------------------------------------------------------------
-
-TEST(TINFileTrimble, ATableThatIsCutOffRepeatsItsLastRecord) {
-  std::string const bytes = TrimbleFile(TrimbleSquare());
-  Loaded l(bytes.substr(0, TRIMBLE_HEADER_END + 3 * 24 - 1));  // a byte short of the third point
-  EXPECT_EQ(l.result, 4U);
-  EXPECT_EQ(l.file.LastFault(), Fault::TRUNCATED);
-  EXPECT_EQ(*l.tin.GetPoint(1), TPoint(500, 9008.5, 9));
-  EXPECT_EQ(*l.tin.GetPoint(2), TPoint(500, 9008.5, 9));
-  EXPECT_EQ(*l.tin.GetPoint(3), TPoint(500, 9008.5, 9));
-  // Nothing at all of the other tables: their records are zeros.
-  EXPECT_EQ(l.tin.GetTriangle(1, true)->m_Flags, TRI_OUTSIDE);
-  EXPECT_EQ(l.Adjacent(1, 0), -1);
-  EXPECT_TRUE(l.Border().empty());
-  ASSERT_EQ(l.Starts().size(), 2U);
-  EXPECT_EQ(l.Starts()[1].x, 500);
-  EXPECT_EQ(l.Starts()[1].triangle, -1);
-}
-
-TEST(TINFileTrimble, ABorderThatIsCutOffLosesItsEnd) {
-  std::string bytes = TrimbleFile(TrimbleSquare());
-  Patch<std::int32_t>(bytes, TRIMBLE_BORDER_AT, static_cast<std::int32_t>(bytes.size() - 4));
-  Patch<std::int32_t>(bytes, bytes.size() - 4, 2);
-  Loaded l(bytes);
-  EXPECT_EQ(l.Border(), std::vector<int>{1});
-  EXPECT_EQ(l.file.LastFault(), Fault::TRUNCATED);
-}
-
-TEST(TINFileTrimble, TablesMayStandAnywhereAndOverlap) {
-  TrimbleModel model = TrimbleSquare();
-  std::string bytes = TrimbleFile(model);
-  std::string const vertices = bytes.substr(TRIMBLE_HEADER_END, 4 * 24);
-  Patch(bytes, TRIMBLE_VERTICES_AT, static_cast<std::int32_t>(bytes.size() + 1000));
-  bytes += std::string(1000, '\x11') + vertices;
-  Loaded l(bytes);
-  ExpectSquare(l);
-
-  Patch<std::int32_t>(bytes, TRIMBLE_VERTICES_AT, 0);  // the header itself
-  Loaded overlapping(bytes);
-  EXPECT_EQ(overlapping.result, 4U);
-  ExpectInside(overlapping.tin);
-}
-
-TEST(TINFileTrimble, ATableBeforeTheStartIsReadFromWhereTheReaderStands) {
-  std::string bytes = TrimbleFile(TrimbleSquare());
-  for (std::size_t table :
-       {TRIMBLE_VERTICES_AT, TRIMBLE_TRIANGLES_AT, TRIMBLE_BORDER_AT, TRIMBLE_STARTS_AT}) {
-    Patch<std::int32_t>(bytes, table, -1);
-  }
-  Loaded l(bytes);  // the tables follow each other and the header
-  ExpectSquare(l);
-}
-
-void ExpectRefused(std::string const& bytes) {
-  Loaded l(bytes);
-  EXPECT_EQ(l.result, 0U);
-  ExpectEmpty(l.tin);
-  EXPECT_EQ(l.file.LastFault(), Fault::UNSOUND_TABLES);
-  EXPECT_EQ(TINPeer::Border(l.tin), nullptr);
-}
-
-TEST(TINFileTrimble, CountsThatAFileOfThatSizeCannotMeanAreRefused) {
-  for (std::size_t table :
-       {TRIMBLE_VERTICES_AT, TRIMBLE_TRIANGLES_AT, TRIMBLE_BORDER_AT, TRIMBLE_STARTS_AT}) {
-    for (std::uint32_t count : {20'000'000U, 0x7FFF'FFFFU, 0x8000'0000U, 0xFFFF'FFFFU}) {
-      std::string bytes = TrimbleFile(TrimbleSquare());
-      Patch(bytes, table + TRIMBLE_RECORDS_IN_TABLE, count);
-      ExpectRefused(bytes);
-    }
-  }
-}
-
-TEST(TINFileTrimble, AllPoolsTogetherMayTakeNoMoreThanTheFileJustifies) {
-  std::string bytes = TrimbleFile(TrimbleSquare());
-  Patch(bytes, TRIMBLE_VERTICES_AT + TRIMBLE_RECORDS_IN_TABLE, 2'300'000);  // 64.4 MB of 64 MiB
-  Loaded l(bytes);
-  EXPECT_EQ(l.result, 2'300'000U);
-  EXPECT_EQ(l.tin.GetNumberOfPoints(), 2'300'000);
-  Patch(bytes, TRIMBLE_STARTS_AT + TRIMBLE_RECORDS_IN_TABLE, 80'000);  // 2.9 MB more
-  ExpectRefused(bytes);
-}
-
-TEST(TINFileTrimble, NoDamageLeadsOutsideThePools) {
-  Dice dice(TestSeed());
-  std::vector<TrimbleLayout> const layouts = AllTrimbleLayouts();
-  for (int i = 0; i < 2000; ++i) {
-    std::string bytes = TrimbleFile(TrimbleSquare(), layouts[static_cast<std::size_t>(i) % 48]);
-    for (int n = 1 + dice.Below(4); n > 0; --n) {
-      std::size_t const at =
-          18 + static_cast<std::size_t>(dice.Below(static_cast<int>(bytes.size()) - 18));
-      static constexpr unsigned char LIKELY[] = {0, 1, 2, 3, 4, 8, 0x7F, 0x80, 0xFF};
-      bytes[at] = static_cast<char>(dice.OneIn(2) ? LIKELY[dice.Below(9)] : dice.Below(256));
-    }
-    if (dice.OneIn(4)) {
-      bytes.resize(static_cast<std::size_t>(dice.Below(static_cast<int>(bytes.size()))));
-    }
-    Loaded l(bytes);
-    ASSERT_NO_FATAL_FAILURE(ExpectInside(l.tin));
-    for (int border : TINPeer::Border(l.tin) != nullptr ? l.Border() : std::vector<int>()) {
-      ASSERT_TRUE(border >= 0 && border < l.tin.GetNumberOfTriangles());
-    }
-  }
 }
 
 // --- GetInfo --------------------------------------------------------------------------------

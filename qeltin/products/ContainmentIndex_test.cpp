@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <limits>
 
+#include "testing/FigureCases.h"
 #include "testing/MakeFigure.h"
 #include "testing/reference/StatedPolygon.h"
 
@@ -28,13 +28,7 @@ void ExpectSameAnswers(std::vector<TPoint> const& figure, int places, Dice& dice
 class ContainmentIndexOf : public ::testing::TestWithParam<Figure> {
  protected:
   void Compare(int rounds, int largest, Frame const& frame) {
-    Dice dice(TestSeed());
-    for (int round = 0; round < rounds && !HasFatalFailure(); ++round) {
-      int const count = 1 + dice.Below(largest);
-      std::uint64_t const seed = dice.Bits();
-      SCOPED_TRACE(::testing::Message() << "count " << count << ", figure seed " << seed);
-      ExpectSameAnswers(MakeFigure(GetParam(), count, seed, frame), 100, dice);
-    }
+    OnFigures(GetParam(), rounds, largest, frame, ExpectSameAnswers);
   }
 };
 
@@ -58,27 +52,11 @@ TEST_P(ContainmentIndexOf, FiguresWithNearlyLevelEdges) {
 }
 
 TEST_P(ContainmentIndexOf, FiguresWithCoordinatesOutOfScale) {
-  static constexpr double ODD[] = {-0.0, 5e-324, 1e-200, 1e120, 1e308, INFINITE, NOT_A_NUMBER};
-  Dice dice(TestSeed());
-  for (int round = 0; round < 100 && !HasFatalFailure(); ++round) {
-    std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
-    for (TPoint& v : figure) {
-      if (dice.OneIn(8)) (dice.OneIn(2) ? v.x : v.y) = ODD[dice.Below(std::size(ODD))];
-    }
-    ExpectSameAnswers(figure, 50, dice);
-  }
+  OnFiguresOutOfScale(GetParam(), ExpectSameAnswers);
 }
 
 TEST_P(ContainmentIndexOf, FiguresOfExtremeSize) {
-  Dice dice(TestSeed());
-  for (double const scale : EXTREME_SCALES) {
-    for (int round = 0; round < 10 && !HasFatalFailure(); ++round) {
-      std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
-      for (TPoint& v : figure) v = v * scale;
-      SCOPED_TRACE(scale);
-      ExpectSameAnswers(figure, 100, dice);
-    }
-  }
+  OnFiguresOfExtremeSize(GetParam(), ExpectSameAnswers);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ContainmentIndexOf, ::testing::ValuesIn(ALL_FIGURES),

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
-#include <limits>
-
+#include "testing/FigureCases.h"
 #include "testing/MakeFigure.h"
 #include "testing/reference/StatedPolygon.h"
 
@@ -12,9 +10,6 @@ namespace {
 
 using namespace qeltin::testing;
 using qeltin::detail::SlantedRayIndex;
-
-constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-constexpr double INFINITE = std::numeric_limits<double>::infinity();
 
 void ExpectSameAnswers(std::vector<TPoint> const& figure, int places, Dice& dice) {
   SlantedRayIndex const index(figure);
@@ -28,13 +23,7 @@ void ExpectSameAnswers(std::vector<TPoint> const& figure, int places, Dice& dice
 class SlantedRayIndexOf : public ::testing::TestWithParam<Figure> {
  protected:
   void Compare(int rounds, int largest, Frame const& frame) {
-    Dice dice(TestSeed());
-    for (int round = 0; round < rounds && !HasFatalFailure(); ++round) {
-      int const count = 1 + dice.Below(largest);
-      std::uint64_t const seed = dice.Bits();
-      SCOPED_TRACE(::testing::Message() << "count " << count << ", figure seed " << seed);
-      ExpectSameAnswers(MakeFigure(GetParam(), count, seed, frame), 100, dice);
-    }
+    OnFigures(GetParam(), rounds, largest, frame, ExpectSameAnswers);
   }
 };
 
@@ -62,27 +51,11 @@ TEST_P(SlantedRayIndexOf, FiguresThatAreLevelUpToRounding) {
 }
 
 TEST_P(SlantedRayIndexOf, FiguresWithCoordinatesOutOfScale) {
-  static constexpr double ODD[] = {-0.0, 5e-324, 1e-200, 1e120, 1e308, INFINITE, NOT_A_NUMBER};
-  Dice dice(TestSeed());
-  for (int round = 0; round < 100 && !HasFatalFailure(); ++round) {
-    std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
-    for (TPoint& v : figure) {
-      if (dice.OneIn(8)) (dice.OneIn(2) ? v.x : v.y) = ODD[dice.Below(std::size(ODD))];
-    }
-    ExpectSameAnswers(figure, 50, dice);
-  }
+  OnFiguresOutOfScale(GetParam(), ExpectSameAnswers);
 }
 
 TEST_P(SlantedRayIndexOf, FiguresOfExtremeSize) {
-  Dice dice(TestSeed());
-  for (double const scale : EXTREME_SCALES) {
-    for (int round = 0; round < 10 && !HasFatalFailure(); ++round) {
-      std::vector<TPoint> figure = MakeFigure(GetParam(), 20, dice.Bits());
-      for (TPoint& v : figure) v = v * scale;
-      SCOPED_TRACE(scale);
-      ExpectSameAnswers(figure, 100, dice);
-    }
-  }
+  OnFiguresOfExtremeSize(GetParam(), ExpectSameAnswers);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, SlantedRayIndexOf, ::testing::ValuesIn(ALL_FIGURES),
