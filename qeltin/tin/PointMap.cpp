@@ -12,6 +12,16 @@ TTriangle* PointMapNode::operator[](int i) const {
   return i >= NumberOfTriangles() ? nullptr : m_Triangles[static_cast<std::size_t>(i)];
 }
 
+void PointMapNode::Enter(TTriangle* triangle) {
+  if (std::find(m_Triangles.begin(), m_Triangles.end(), triangle) != m_Triangles.end()) return;
+  m_Triangles.push_back(triangle);
+}
+
+void PointMapNode::Erase(TTriangle const* triangle) {
+  auto const it = std::find(m_Triangles.begin(), m_Triangles.end(), triangle);
+  if (it != m_Triangles.end()) m_Triangles.erase(it);
+}
+
 PointMapNode* PointMap::Find(TPoint const* point) {
   auto const it = m_Tree.find(PointMapNode(point));
   return it == m_Tree.end() ? nullptr : &it->second;
@@ -38,19 +48,14 @@ bool PointMap::AddTriangle(TTriangle* triangle) {
   for (TPoint const* corner : triangle->m_pVertex) {
     PointMapNode* const node = Find(corner);
     if (node == nullptr) return false;
-    auto& list = node->m_Triangles;
-    if (std::find(list.begin(), list.end(), triangle) == list.end()) list.push_back(triangle);
+    node->Enter(triangle);
   }
   return true;
 }
 
 bool PointMap::RemoveTriangle(TTriangle* triangle) {
   for (TPoint const* corner : triangle->m_pVertex) {
-    PointMapNode* const node = Find(corner);
-    if (node == nullptr) continue;
-    auto& list = node->m_Triangles;
-    auto const it = std::find(list.begin(), list.end(), triangle);
-    if (it != list.end()) list.erase(it);
+    if (PointMapNode* const node = Find(corner)) node->Erase(triangle);
   }
   return true;
 }

@@ -9,6 +9,10 @@
 
 class TIN;
 
+namespace qeltin::detail {
+class Removal;
+}
+
 // The type in which lists of triangles cross the boundary.
 extern template class std::vector<TTriangle*>;
 
@@ -36,6 +40,12 @@ class QELTIN_API PointMapNode {
 
  private:
   friend class PointMap;
+  friend class qeltin::detail::Removal;
+
+  // Enter `triangle` at the end of the list unless it is there, and erase it, if it is, with the
+  // order of the others kept.
+  void Enter(TTriangle* triangle);
+  void Erase(TTriangle const* triangle);
 
   TPoint const* m_pPoint = nullptr;
   std::vector<TTriangle*> m_Triangles;
@@ -89,6 +99,10 @@ class QELTIN_API PointMap {
   void Clear() { m_Tree.clear(); }
 
  private:
+  friend class qeltin::detail::Removal;
+
+  // Returns the node of the point with equal coordinates, or null. It stays where it is until its
+  // entry is erased.
   PointMapNode* Find(TPoint const* point);
 
   // As AddTriangle, for a triangle that no list holds yet: the lists need not be searched.

@@ -7,6 +7,7 @@
 
 #include "qeltin/platform/Clock.h"
 #include "qeltin/tin/Cavity.h"
+#include "qeltin/tin/Removal.h"
 
 namespace {
 
@@ -115,6 +116,12 @@ TTriangle* TIN::AddTriangle(TTriangle const& triangle) {
 }
 
 void TIN::RemoveTriangle(TTriangle* triangle, bool release) {
+  CutOff(triangle);
+  if (m_pPointMap != nullptr) m_pPointMap->RemoveTriangle(triangle);
+  if (release) m_pTriangles->Remove(triangle);
+}
+
+void TIN::CutOff(TTriangle* triangle) {
   m_bTiling = false;
   m_Triangulator.ForgetIndex();
   for (TTriangle* neighbour : triangle->m_pAdjacent) {
@@ -126,8 +133,6 @@ void TIN::RemoveTriangle(TTriangle* triangle, bool release) {
       }
     }
   }
-  if (m_pPointMap != nullptr) m_pPointMap->RemoveTriangle(triangle);
-  if (release) m_pTriangles->Remove(triangle);
 }
 
 bool TIN::BuildPointMap() {

@@ -20,9 +20,11 @@ class TPolygon;
 
 namespace qeltin::detail {
 class Cavity;
+class Compaction;
 class GridSampler;
 class IsolineTracer;
 class ProfileTracer;
+class Removal;
 }  // namespace qeltin::detail
 namespace qeltin::testing {
 struct TINPeer;
@@ -174,6 +176,31 @@ class QELTIN_API TIN {
   // Returns true iff there are any. REQUIRES: BuildPointMap.
   bool GetNeighbours(TPoint const* point, std::vector<TPoint*>& result) const;
 
+  // --- Removal --------------------------------------------------------------------------------
+
+  // Takes the vertex at this address out of the surface and fills the hole as
+  // Triangulator::FillHole does. Nothing is flipped afterwards, so that the surface need not be a
+  // Delaunay triangulation any more. Returns false, with nothing changed, where the map does not
+  // know the point, where its triangles do not join up around it, and without a map.
+  //
+  // The data bounds stay. The map is kept in step. Slots are given back in the way of TArray::Remove,
+  // which takes a distance in bytes: the point and two triangles, which the structure does not reach
+  // any more, in general stay in the live order, and now and then it loses a slot that is in use.
+  // Compact puts both right, and must have done so before the next insertion.
+  //
+  // A vertex on the edge of the structure is not refused, and leaves its hole partly open; see
+  // PointIsOnHull. REQUIRES: an address in the pool, and BuildPointMap after the last insertion.
+  bool RemovePoint(TPoint const* point);
+
+  // Do nothing and return false: a point is removed by its address.
+  bool RemovePoint(TPoint const& point);
+  bool RemovePoint(double x, double y, double z);
+
+  // Returns true iff a triangle around the point lacks a neighbour or has a corner outside the data
+  // bounds: then the point is on the edge of the visible surface, or one of the seed corners. False
+  // for a point that the map does not know. REQUIRES: BuildPointMap.
+  bool PointIsOnHull(TPoint const* point) const;
+
   // --- Whole surfaces -------------------------------------------------------------------------
 
   // Builds this surface anew, in the order of the pools, from its own points and then those of
@@ -310,9 +337,11 @@ class QELTIN_API TIN {
   friend class TINFile;
   friend class Triangulator;
   friend class qeltin::detail::Cavity;
+  friend class qeltin::detail::Compaction;
   friend class qeltin::detail::GridSampler;
   friend class qeltin::detail::IsolineTracer;
   friend class qeltin::detail::ProfileTracer;
+  friend class qeltin::detail::Removal;
   friend struct qeltin::testing::TINPeer;
 
   // `p` stands in the pool; `start` is the triangle that holds it, or null to have it located.
@@ -331,6 +360,9 @@ class QELTIN_API TIN {
   void FindWhetherItTiles();
 
   bool IsWithinReach(TPoint const& p) const { return std::fabs(p.x) + std::fabs(p.y) <= m_dReach; }
+
+  // Makes the neighbours of `triangle` point at it no more. Its own fields stay.
+  void CutOff(TTriangle* triangle);
 
   void ResetToEmptyBoxes();
   void EmptyDataBounds();
@@ -356,5 +388,6 @@ class QELTIN_API TIN {
   // While m_bTiling: the largest |x| + |y| of the seed rectangle, and so of every vertex.
   double m_dReach = 0.0;
 
-  std::unique_ptr<qeltin::detail::Cavity> m_pCavity;  // working data of an insertion, kept
+  std::unique_ptr<qeltin::detail::Cavity> m_pCavity;    // working data of an insertion, kept
+  std::unique_ptr<qeltin::detail::Removal> m_pRemoval;  // working data of a removal, kept
 };

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <deque>
 #include <memory>
+#include <vector>
 
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
@@ -53,6 +55,18 @@ class QELTIN_API Triangulator {
   // somewhere near, where only Find can tell.
   // REQUIRES: a surface that tiles.
   TTriangle* FindNext(TPoint const& p);
+
+  // Fills `result` with triangles that make up the figure whose corners are `ring`, clockwise, their
+  // circles calculated, without neighbours and flags: by clipping ears, the one with the smallest
+  // circumcircle first, the earliest of equal ones. `ring` is used up.
+  //
+  // An ear is a corner whose diagonal has its middle inside what is left of the ring, by
+  // TPolygon::PointInPolygon. Note that corners within the triangle do not stand in the way, unless
+  // they are as near to the origin of the coordinates as the root of the circumradius. Where no ear
+  // is left, the triangle made last is appended once more, or, where it would be the first, that of
+  // the first three corners, and the second corner is clipped. Below three corners there is no
+  // result. Note that the return value tells nothing of the outcome: true for 5, 6 or 7 corners.
+  static bool FillHole(std::vector<TTriangle>& result, std::deque<TPoint*>& ring);
 
   TIN* m_pTin = nullptr;                      // not owned
   TArray<TTriangle>* m_pTriangles = nullptr;  // not owned

@@ -28,13 +28,17 @@ class Comparison {
         m_Tin(tin),
         m_Reference(reference) {}
 
-  std::string FirstDifference() {
+  std::string FirstDifference(bool allSlots) {
     CompareBoxes();
     ComparePool("point", *m_Points, *m_Reference.m_pPoints);
     ComparePool("triangle", *m_Triangles, *m_Reference.m_pTriangles);
     Expect("current triangle", Slot(TINPeer::Location(m_Tin).m_pCurrent),
            m_Reference.Slot(m_Reference.m_pCurrent));
-    if (m_bEqual) CompareElements();
+    if (m_bEqual && allSlots) {
+      CompareElements(m_Points->m_iCapacity, m_Triangles->m_iCapacity);
+    } else if (m_bEqual) {
+      CompareElements(m_Points->m_iCount, m_Triangles->m_iCount);
+    }
     if (m_bEqual) CompareMap();
     return m_Text.str();
   }
@@ -88,15 +92,15 @@ class Comparison {
     }
   }
 
-  void CompareElements() {
-    for (int i = 0; i < m_Points->m_iCount; ++i) {
+  void CompareElements(int points, int triangles) {
+    for (int i = 0; i < points; ++i) {
       TPoint const& p = *m_Points->At(i);
       TPoint const& r = *m_Reference.m_pPoints->At(i);
       Expect("point", i, "x", p.x, r.x);
       Expect("point", i, "y", p.y, r.y);
       Expect("point", i, "z", p.z, r.z);
     }
-    for (int i = 0; m_bEqual && i < m_Triangles->m_iCount; ++i) {
+    for (int i = 0; m_bEqual && i < triangles; ++i) {
       CompareTriangle(i, *m_Triangles->At(i), *m_Reference.m_pTriangles->At(i));
     }
     Expect("last triangle", Slot(TINPeer::LastTriangle(m_Tin)),
@@ -146,7 +150,11 @@ class Comparison {
 }  // namespace
 
 std::string Difference(TIN const& tin, ReferenceTin const& reference) {
-  return Comparison(tin, reference).FirstDifference();
+  return Comparison(tin, reference).FirstDifference(false);
+}
+
+std::string DifferenceOfAllSlots(TIN const& tin, ReferenceTin const& reference) {
+  return Comparison(tin, reference).FirstDifference(true);
 }
 
 }  // namespace qeltin::testing

@@ -13,4 +13,7 @@ namespace qeltin::testing {
 // are compared by their bits, except that all not-a-numbers count as one; pointers by their slots.
 std::string Difference(TIN const& tin, ReferenceTin const& reference);
 
+// The same with every slot of the pools, live or not.
+std::string DifferenceOfAllSlots(TIN const& tin, ReferenceTin const& reference);
+
 }  // namespace qeltin::testing

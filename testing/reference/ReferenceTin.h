@@ -73,6 +73,9 @@ class ReferenceTin {
 
   void RemoveTriangle(TTriangle* triangle);  // without release
 
+  // Takes a vertex out and fills the hole. REQUIRES: a map.
+  bool RemovePoint(TPoint const* point);
+
   int Slot(TPoint const* p) const { return p == nullptr ? -1 : static_cast<int>(p - Points()); }
   int Slot(TTriangle const* t) const {
     return t == nullptr ? -1 : static_cast<int>(t - m_pTriangles->m_pData);

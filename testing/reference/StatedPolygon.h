@@ -1,8 +1,10 @@
 #pragma once
 
+#include <deque>
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
+#include "qeltin/kernel/TTriangle.h"
 
 // The operations of polygons in their plain form, step by step. Points serve as records only: none
 // of their operations is called.
@@ -22,5 +24,8 @@ bool IsEar(std::vector<TPoint> const& figure, TPoint a, TPoint b, TPoint c);
 
 // Ear clipping with a search through all corners for every ear: cubic in the number of vertices.
 bool Triangulate(std::vector<TPoint> const& figure, std::vector<TPoint>& triangles);
+
+// Ear clipping of a ring of pool points, every radius and every test of every round anew.
+bool FillHole(std::vector<TTriangle>& result, std::deque<TPoint*>& ring);
 
 }  // namespace qeltin::testing::stated

@@ -45,6 +45,12 @@ void Twin::Compare() {
   if (!difference.empty()) Differ("comparison", difference);
 }
 
+void Twin::CompareAllSlots() {
+  if (IsOver()) return;
+  std::string const difference = DifferenceOfAllSlots(m_Tin, m_Reference);
+  if (!difference.empty()) Differ("comparison", difference);
+}
+
 // Ends a call.
 void Twin::Step(std::string const& what) {
   if (IsOver()) return;
@@ -268,6 +274,15 @@ void Twin::RemoveAllPoints() {
   m_Tin.RemoveAllPoints();
   m_Reference.RemoveAllPoints();
   Step("RemoveAllPoints");
+}
+
+bool Twin::RemovePoint(int position) {
+  if (IsOver()) return false;
+  TPoint const* const point = m_Tin.GetPoint(position);
+  bool const there = m_Reference.RemovePoint(m_Reference.m_pPoints->m_pData + SlotHere(point));
+  if (m_Tin.RemovePoint(point) != there) Differ("RemovePoint", there ? "false" : "true");
+  Step("RemovePoint");
+  return there;
 }
 
 void Twin::BuildPointMap() {

@@ -44,6 +44,9 @@ class Twin {
 
   void RemoveTriangle(int position, bool release);
   void RemoveAllPoints();
+
+  // Removes the point at this live position. Returns what both answer.
+  bool RemovePoint(int position);
   void BuildPointMap();
   void SetHeight(int position, double z);
 
@@ -53,6 +56,9 @@ class Twin {
   void SaveAndLoad(int marked = -1);
 
   void Compare();
+
+  // Compares the slots that are not live, too.
+  void CompareAllSlots();
 
   // The first difference as a readable line; empty while there is none.
   std::string const& Fault() const { return m_Fault; }
