@@ -5,8 +5,9 @@
 #include "testing/MakeSurvey.h"
 #include "testing/reference/TwinScript.h"
 
-// Insertion against its plain version on surfaces that no survey gives: start triangles that do not
-// hold the point, vertices in one place, turned triangles, pinched holes, triangles cut out.
+// Insertion and removal against their plain versions on surfaces that no survey gives: start
+// triangles that do not hold the point, vertices in one place, turned triangles, pinched holes,
+// triangles cut out.
 
 namespace {
 
@@ -40,6 +41,11 @@ constexpr Life LIVES[] = {
     {"TrianglesCutOffAndWrongStarts", {.addFrom = 20, .cutOff = 3}},
     {"TrianglesReleased", {.find = 5, .release = 3}},
     {"WithAMap", {.addFrom = 5, .buildMap = 3}},
+    {"PointsTakenOut", {.find = 5, .buildMap = 10, .takeOut = 60}},
+    {"PointsTakenOutOfBrokenFans",
+     {.addFrom = 20, .cutOff = 5, .release = 1, .buildMap = 10, .takeOut = 60}},
+    {"PointsTakenOutWithHeightsWithoutNumbers",
+     {.setHeight = 5, .buildMap = 10, .takeOut = 60, .heightsWithoutNumbers = true}},
     {"PointsRemoved", {.addFrom = 5, .find = 5, .removeAll = 1}},
     {"SavedAndLoaded", {.find = 5, .saveAndLoad = 3}},
     {"WrongStartsSavedAndLoaded", {.addFrom = 30, .removeAll = 1, .saveAndLoad = 3}},
@@ -50,6 +56,7 @@ constexpr Life LIVES[] = {
       .release = 1,
       .setHeight = 2,
       .buildMap = 1,
+      .takeOut = 3,
       .removeAll = 1,
       .saveAndLoad = 1,
       .heightsWithoutNumbers = true}},

@@ -78,22 +78,22 @@ class TArray {
 
   // Releases the slot whose number is the distance in BYTES of `element` from the start of the
   // block. So element 0 is released as one expects, an element at a byte distance of the capacity
-  // or more is not released at all, and any other one releases some slot further on.
+  // or more is not released at all, and any other one releases some slot further on. Nothing where
+  // no slot is live.
   void Remove(T const* element) {
     auto const distance =
         static_cast<std::int32_t>(LowHalf(element) - LowHalf(m_pData));  // bytes, not elements
-    if (distance < 0 || distance >= m_iCapacity) return;
-    assert(m_iCount > 0);
+    if (distance < 0 || distance >= m_iCapacity || m_iCount <= 0) return;
     --m_iCount;
     int const last = m_pIndex[m_iCount];
     if (last == distance) return;
-    for (int j = m_iCount; j >= 0; --j) {
-      if (m_pIndex[j] == distance) {
-        m_pIndex[j] = last;
-        m_pIndex[m_iCount] = distance;
-        return;
-      }
-    }
+    int const place = PlaceOf(distance);
+    if (place > m_iCount) return;
+    m_pIndex[place] = last;
+    m_pIndex[m_iCount] = distance;
+    if (m_pPlaces == nullptr) return;
+    m_pPlaces[last] = place;
+    m_pPlaces[distance] = m_iCount;
   }
 
   // Puts the live order into a random one. Another order on every run.
@@ -112,6 +112,22 @@ class TArray {
   void Free() {
     qeltin::detail::FreeZeroed(m_pData, DataBytes());
     qeltin::detail::FreeZeroed(m_pIndex, IndexBytes());
+    qeltin::detail::FreeZeroed(m_pPlaces, IndexBytes());
+  }
+
+  // Returns where m_pIndex holds `slot`, or m_iCapacity where a host has overwritten it. A place once
+  // noted is only believed after a look.
+  int PlaceOf(int slot) {
+    if (m_pPlaces == nullptr) {
+      m_pPlaces = static_cast<int*>(qeltin::detail::AllocateZeroed(IndexBytes()));
+    }
+    if (m_pPlaces != nullptr && m_pIndex[m_pPlaces[slot]] == slot) return m_pPlaces[slot];
+    int place = m_iCapacity;
+    for (int i = 0; i < m_iCapacity; ++i) {
+      if (m_pIndex[i] == slot) place = i;
+      if (m_pPlaces != nullptr) m_pPlaces[m_pIndex[i]] = i;
+    }
+    return place;
   }
 
   void GiveUp() {
@@ -128,6 +144,8 @@ class TArray {
   static std::uint32_t LowHalf(void const* address) {
     return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(address));
   }
+
+  int* m_pPlaces = nullptr;  // owned, by slot; null until a release has searched m_pIndex
 };
 
 // Where a point search of a surface without a seed rectangle may start: a position in plan and the

@@ -4,12 +4,19 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
+#include "testing/MakeSurvey.h"
+#include "testing/reference/Release.h"
 
 namespace {
+
+using qeltin::testing::Dice;
+using qeltin::testing::TestSeed;
+namespace stated = qeltin::testing::stated;
 
 template <typename T>
 std::vector<int> Index(TArray<T> const& pool) {
@@ -161,6 +168,34 @@ TEST(TArray, RemoveOfAnElementBeforeTheBlockChangesNothing) {
   pool.Add(TPoint(1, 1, 1));
   pool.Remove(pool.m_pData - 1);
   EXPECT_EQ(pool.m_iCount, 1);
+}
+
+TEST(TArray, ManyReleasesDoWhatASearchFromTheBackDoes) {
+  Dice dice(TestSeed());
+  for (int run = 0; run < 30; ++run) {
+    int const capacity = 100 + dice.Below(900);
+    TArray<TPoint> pool(capacity);
+    for (int i = dice.Below(capacity); i >= 0; --i) pool.Add(TPoint(i, i, i));
+    if (dice.OneIn(2)) pool.Shuffle();
+    for (int i = 0; i < 300 && pool.m_iCount > 0; ++i) {
+      TArray<TPoint> searched(pool);
+      int const slot = dice.Below(capacity / 20);
+      stated::Release(searched, searched.m_pData + slot);
+      pool.Remove(pool.m_pData + slot);
+      ASSERT_EQ(pool.m_iCount, searched.m_iCount);
+      ASSERT_EQ(Index(pool), Index(searched));
+      if (dice.OneIn(20)) pool.Shuffle();
+      if (dice.OneIn(20)) std::swap(pool.m_pIndex[dice.Below(capacity)], pool.m_pIndex[0]);
+      if (dice.OneIn(5)) pool.Add(TPoint(i, 0, 0));
+    }
+  }
+}
+
+TEST(TArray, RemoveFromAnEmptyPoolChangesNothing) {
+  TArray<TPoint> pool(100);
+  pool.Remove(pool.m_pData);
+  EXPECT_EQ(pool.m_iCount, 0);
+  EXPECT_EQ(Index(pool), Identity(100));
 }
 
 // --- Whole pools

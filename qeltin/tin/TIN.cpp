@@ -182,6 +182,15 @@ void TIN::DropPools() {
   if (m_pPointMap != nullptr) m_pPointMap->Clear();
 }
 
+void TIN::ReplacePools(TArray<TPoint>* points, TArray<TTriangle>* triangles) {
+  DropPools();
+  m_pPoints = points;
+  m_pTriangles = triangles;
+  delete m_pPointMap;
+  m_pPointMap = nullptr;
+  m_Triangulator.Seat(this, m_pTriangles);
+}
+
 void TIN::SeatTriangulator() {
   m_Triangulator.Seat(this, m_pTriangles);
   std::srand(static_cast<unsigned>(std::clock()));

@@ -201,6 +201,25 @@ class QELTIN_API TIN {
   // for a point that the map does not know. REQUIRES: BuildPointMap.
   bool PointIsOnHull(TPoint const* point) const;
 
+  // Rebuilds both pools from the structure, so that the surface can be used after removals as any
+  // other. The structure is what is joined: of the triangles that can be come by from the live ones
+  // across neighbours, those without TRI_CAVITY that a neighbour leads back to, and those that have
+  // no neighbour at all. Triangles that were cut off and points that no triangle uses, duplicates
+  // among them, are gone afterwards; slots that the live order had lost are back, at its end. The
+  // order of the others, seed corners, boxes, flags, heights and capacities stay. The map goes, the
+  // location starts anew, and addresses and positions handed out before are void; the Trimble lists
+  // follow.
+  //
+  // The structure is sound where every neighbour of a triangle is in it, leads back, and has the
+  // same two corners in the opposite order; where corners are three different slots of the point
+  // pool at finite places, clockwise or in line as TEdge::WhatSide has it; and where no point begins
+  // two sides without a neighbour. FillHole can lay triangles over each other. Where the structure
+  // is not sound, but has the rectangle of a seed around it, the triangles that are in the way are
+  // replaced by others over the same points, as few as it takes, and heights change there. Returns
+  // false, with nothing changed, where that cannot be done, in a copy, and where there are no live
+  // points or no triangles. Time and memory grow with the size of the pools.
+  bool Compact();
+
   // --- Whole surfaces -------------------------------------------------------------------------
 
   // Builds this surface anew, in the order of the pools, from its own points and then those of
@@ -374,6 +393,9 @@ class QELTIN_API TIN {
   // the old ones, and the location holds no pool until it is seated.
   void MakePools(long long points, long long triangles);
   void DropPools();
+
+  // Takes these pools, in the place of the old ones, seats the location and drops the map.
+  void ReplacePools(TArray<TPoint>* points, TArray<TTriangle>* triangles);
 
   // Seats the location on the present triangle pool and reseeds the C random generator.
   void SeatTriangulator();

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "testing/reference/ReferenceTin.h"
+#include "testing/reference/Release.h"
 #include "testing/reference/StatedGeometry.h"
 #include "testing/reference/StatedPolygon.h"
 
@@ -103,10 +104,10 @@ bool ReferenceTin::RemovePoint(TPoint const* point) {
   }
   for (TTriangle* t : fan) {
     RemoveTriangle(t);
-    m_pTriangles->Remove(t);
+    stated::Release(*m_pTriangles, t);
   }
   m_pPointMap->RemovePoint(point);
-  m_pPoints->Remove(point);
+  stated::Release(*m_pPoints, point);
 
   for (std::size_t i = 0; i < created.size(); ++i) {
     for (std::size_t j = i + 1; j < created.size(); ++j) {

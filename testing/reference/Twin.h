@@ -45,7 +45,9 @@ class Twin {
   void RemoveTriangle(int position, bool release);
   void RemoveAllPoints();
 
-  // Removes the point at this live position. Returns what both answer.
+  bool HasMap() const { return m_Reference.m_pPointMap != nullptr; }
+
+  // Removes the point at this live position. REQUIRES: a map. Returns what both answer.
   bool RemovePoint(int position);
   void BuildPointMap();
   void SetHeight(int position, double z);

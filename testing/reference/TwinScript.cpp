@@ -80,7 +80,8 @@ TwinCall::Kind DrawKind(Dice& dice, TwinScript::Shares const& shares) {
       {TwinCall::AddFrom, shares.addFrom},     {TwinCall::Find, shares.find},
       {TwinCall::CutOff, shares.cutOff},       {TwinCall::Release, shares.release},
       {TwinCall::SetHeight, shares.setHeight}, {TwinCall::BuildMap, shares.buildMap},
-      {TwinCall::RemoveAll, shares.removeAll}, {TwinCall::SaveAndLoad, shares.saveAndLoad}};
+      {TwinCall::TakeOut, shares.takeOut},     {TwinCall::RemoveAll, shares.removeAll},
+      {TwinCall::SaveAndLoad, shares.saveAndLoad}};
   int total = 100;
   for (auto const& choice : choices) total += choice.share;
   int drawn = dice.Below(total) - 100;
@@ -114,6 +115,9 @@ void Make(TwinCall const& call, Twin& twin) {
       return twin.SetHeight(call.position % points, call.p.z);
     case TwinCall::BuildMap:
       return twin.BuildPointMap();
+    case TwinCall::TakeOut:
+      if (twin.HasMap()) twin.RemovePoint(call.position % points);
+      return;
     case TwinCall::RemoveAll:
       return twin.RemoveAllPoints();
     case TwinCall::SaveAndLoad:
@@ -172,7 +176,8 @@ TwinScript TwinScript::Shrunk() const {
 std::ostream& operator<<(std::ostream& out, TwinScript const& script) {
   static constexpr char const* NAMES[] = {"Add",      "AddFrom",   "Find",
                                           "CutOff",   "Release",   "SetHeight",
-                                          "BuildMap", "RemoveAll", "SaveAndLoad"};
+                                          "BuildMap", "TakeOut",   "RemoveAll",
+                                          "SaveAndLoad"};
   out.precision(17);
   out << "Init(" << script.points << ", (" << script.min.x << ", " << script.min.y << "), ("
       << script.max.x << ", " << script.max.y << "))\n";

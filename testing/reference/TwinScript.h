@@ -21,6 +21,7 @@ struct TwinCall {
     Release,    // a triangle, with its slot in the way of TArray::Remove
     SetHeight,  // of a point
     BuildMap,
+    TakeOut,    // a point, where there is a map
     RemoveAll,
     SaveAndLoad,  // at times with a triangle marked TRI_CAVITY in the file
   };
@@ -40,6 +41,7 @@ struct TwinScript {
     int release = 0;
     int setHeight = 0;
     int buildMap = 0;
+    int takeOut = 0;
     int removeAll = 0;
     int saveAndLoad = 0;
     bool heightsWithoutNumbers = false;

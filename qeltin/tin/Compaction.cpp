@@ -1,0 +1,224 @@
+#include "qeltin/tin/Compaction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "qeltin/tin/TIN.h"
+
+namespace qeltin::detail {
+
+namespace {
+
+constexpr int NO_SLOT = -1;
+
+// Returns the slot of an element, or NO_SLOT where it is in no slot of this pool.
+template <typename T>
+int SlotOf(TArray<T> const& pool, T const* element) {
+  auto const distance = reinterpret_cast<std::uintptr_t>(element) -
+                        reinterpret_cast<std::uintptr_t>(pool.m_pData);
+  if (distance % sizeof(T) != 0) return NO_SLOT;
+  auto const slot = distance / sizeof(T);
+  return slot < static_cast<std::size_t>(pool.m_iCapacity) ? static_cast<int>(slot) : NO_SLOT;
+}
+
+std::size_t Size(int count) { return static_cast<std::size_t>(count); }
+
+}  // namespace
+
+Compaction::Compaction(TIN& tin)
+    : m_Tin(tin),
+      m_Points(*tin.m_pPoints),
+      m_Triangles(*tin.m_pTriangles),
+      m_Mesh(m_Points.m_pData, m_Points.m_iCapacity) {}
+
+bool Compaction::Run() {
+  if (m_Points.m_iCount <= 0 || !Reach()) return false;
+  ListFaces();
+  if (m_Mesh.Faces().empty()) return false;
+  m_Mesh.SetSeedCorners(SeedCorners());
+  if (!m_Mesh.IsSound() && !m_Mesh.Mend()) return false;
+  if (!MakePools()) return false;
+  FillPoints();
+  FillTriangles();
+  Publish();
+  return true;
+}
+
+// Collects the live triangles and all that can be come by from them. Returns false where a
+// neighbour is in no slot of the pool.
+bool Compaction::Reach() {
+  m_FaceOfSlot.assign(Size(m_Triangles.m_iCapacity), NONE);
+  std::vector<bool> seen(Size(m_Triangles.m_iCapacity));
+  m_Reached.assign(m_Triangles.m_pIndex, m_Triangles.m_pIndex + std::max(0, m_Triangles.m_iCount));
+  for (int slot : m_Reached) seen[Size(slot)] = true;
+  for (std::size_t i = 0; i < m_Reached.size(); ++i) {
+    for (TTriangle const* neighbour : m_Triangles.m_pData[m_Reached[i]].m_pAdjacent) {
+      if (neighbour == nullptr) continue;
+      int const slot = SlotOf(m_Triangles, neighbour);
+      if (slot == NO_SLOT) return false;
+      if (seen[Size(slot)]) continue;
+      seen[Size(slot)] = true;
+      m_Reached.push_back(slot);
+    }
+  }
+  return true;
+}
+
+bool Compaction::LeadsBack(TTriangle const& t, int side) const {
+  TTriangle const* const neighbour = t.m_pAdjacent[side];
+  if (neighbour == nullptr || neighbour == &t) return false;
+  TPoint const* const a = t.m_pVertex[side];
+  TPoint const* const b = t.m_pVertex[(side + 1) % 3];
+  for (int k = 0; k < 3; ++k) {
+    TPoint const* const c = neighbour->m_pVertex[k];
+    TPoint const* const d = neighbour->m_pVertex[(k + 1) % 3];
+    if (neighbour->m_pAdjacent[k] == &t && ((a == d && b == c) || (a == c && b == d))) return true;
+  }
+  return false;
+}
+
+bool Compaction::HasPlace(TTriangle const& t) const {
+  for (int k = 0; k < 3; ++k) {
+    TPoint const* const p = t.m_pVertex[k];
+    if (SlotOf(m_Points, p) == NO_SLOT || p == t.m_pVertex[(k + 1) % 3]) return false;
+    if (!std::isfinite(p->x) || !std::isfinite(p->y)) return false;
+  }
+  return true;
+}
+
+bool Compaction::IsJoined(TTriangle const& t) const {
+  if ((t.m_Flags & TRI_CAVITY) != 0) return false;
+  bool alone = true;
+  for (int side = 0; side < 3; ++side) {
+    if (LeadsBack(t, side)) return true;
+    alone = alone && t.m_pAdjacent[side] == nullptr;
+  }
+  return alone;
+}
+
+void Compaction::ListFaces() {
+  std::vector<Face>& faces = m_Mesh.Faces();
+  for (int slot : m_Reached) {
+    TTriangle const& t = m_Triangles.m_pData[slot];
+    if (!IsJoined(t) || !HasPlace(t)) continue;
+    m_FaceOfSlot[Size(slot)] = static_cast<int>(faces.size());
+    Face face{{}, {}, slot};
+    for (int k = 0; k < 3; ++k) face.corner[k] = SlotOf(m_Points, t.m_pVertex[k]);
+    faces.push_back(face);
+  }
+  for (Face& face : faces) {
+    TTriangle const& t = m_Triangles.m_pData[face.slot];
+    for (int k = 0; k < 3; ++k) {
+      TTriangle const* const neighbour = t.m_pAdjacent[k];
+      int const place =
+          LeadsBack(t, k) ? m_FaceOfSlot[Size(SlotOf(m_Triangles, neighbour))] : NONE;
+      face.adjacent[k] = neighbour == nullptr ? Face::HULL : place == NONE ? Face::OPEN : place;
+    }
+  }
+}
+
+// The points on the corners of the world box that the data bounds leave out.
+std::vector<int> Compaction::SeedCorners() const {
+  TPoint const& min = m_Tin.m_WorldMin;
+  TPoint const& max = m_Tin.m_WorldMax;
+  std::vector<int> corners;
+  for (Face const& face : m_Mesh.Faces()) {
+    for (int corner : face.corner) {
+      TPoint const& p = m_Points.m_pData[corner];
+      if ((p.x != min.x && p.x != max.x) || (p.y != min.y && p.y != max.y)) continue;
+      if (m_Tin.InBounds(p)) continue;
+      if (std::find(corners.begin(), corners.end(), corner) == corners.end()) {
+        corners.push_back(corner);
+      }
+    }
+  }
+  return corners;
+}
+
+bool Compaction::MakePools() {
+  std::vector<Face> const& faces = m_Mesh.Faces();
+  auto const kept =
+      std::count_if(faces.begin(), faces.end(), [](Face const& face) { return !face.dropped; });
+  if (kept > m_Triangles.m_iCapacity) return false;
+  m_pNewPoints = std::make_unique<TArray<TPoint>>(m_Points.m_iCapacity);
+  m_pNewTriangles = std::make_unique<TArray<TTriangle>>(m_Triangles.m_iCapacity);
+  return m_pNewPoints->IsAllocated() && m_pNewTriangles->IsAllocated();
+}
+
+// The points in use, in live order, and then those that the live order has lost.
+void Compaction::FillPoints() {
+  constexpr int USED = -2;
+  m_NewPoint.assign(Size(m_Points.m_iCapacity), NONE);
+  for (Face const& face : m_Mesh.Faces()) {
+    if (face.dropped) continue;
+    for (int corner : face.corner) m_NewPoint[Size(corner)] = USED;
+  }
+  auto const move = [this](int slot) {
+    if (m_NewPoint[Size(slot)] != USED) return;
+    m_NewPoint[Size(slot)] = m_pNewPoints->m_iCount;
+    m_pNewPoints->Add(m_Points.m_pData[slot]);
+  };
+  for (int i = 0; i < m_Points.m_iCount; ++i) move(m_Points.m_pIndex[i]);
+  for (int slot = 0; slot < m_Points.m_iCapacity; ++slot) move(slot);
+}
+
+void Compaction::FillTriangles() {
+  std::vector<Face> const& faces = m_Mesh.Faces();
+  for (Face const& face : faces) {
+    m_NewTriangle.push_back(face.dropped ? NONE : m_pNewTriangles->m_iCount);
+    if (face.dropped) continue;
+    bool const made = face.slot == Face::MADE;
+    TTriangle* const t =
+        m_pNewTriangles->Add(made ? TTriangle() : m_Triangles.m_pData[face.slot]);
+    for (int k = 0; k < 3; ++k) {
+      t->m_pVertex[k] = m_pNewPoints->m_pData + m_NewPoint[Size(face.corner[k])];
+    }
+    if (!made) continue;
+    t->CalcTri();
+    if (!m_Tin.InBounds(*t)) t->m_Flags |= TRI_OUTSIDE;
+  }
+  for (std::size_t i = 0; i < faces.size(); ++i) {
+    if (faces[i].dropped) continue;
+    TTriangle& t = m_pNewTriangles->m_pData[m_NewTriangle[i]];
+    for (int k = 0; k < 3; ++k) {
+      int const neighbour = faces[i].adjacent[k];
+      t.m_pAdjacent[k] =
+          neighbour < 0 ? nullptr : m_pNewTriangles->m_pData + m_NewTriangle[Size(neighbour)];
+    }
+  }
+}
+
+// Returns the new slot, and so the new position, of the triangle in this slot, or NONE.
+int Compaction::NewPlace(int slot) const {
+  int const face = slot == NO_SLOT ? NONE : m_FaceOfSlot[Size(slot)];
+  return face == NONE ? NONE : m_NewTriangle[Size(face)];
+}
+
+// Rewrites the positions of triangles in a list, and drops those of triangles that are gone.
+template <typename T, typename PositionOf>
+void Compaction::Follow(TArray<T>& list, PositionOf positionOf) const {
+  int kept = 0;
+  for (int i = 0; i < list.m_iCount; ++i) {
+    T entry = *list.At(i);
+    int& position = positionOf(entry);
+    if (position < 0 || position >= m_Triangles.m_iCount) continue;
+    position = NewPlace(m_Triangles.m_pIndex[position]);
+    if (position != NONE) *list.At(kept++) = entry;
+  }
+  list.m_iCount = kept;
+}
+
+void Compaction::Publish() {
+  if (m_Tin.m_pBorder != nullptr) {
+    Follow(*m_Tin.m_pBorder, [](int& position) -> int& { return position; });
+  }
+  if (m_Tin.m_pStartPoints != nullptr) {
+    Follow(*m_Tin.m_pStartPoints, [](TArrayStartPoint& start) -> int& { return start.triangle; });
+  }
+  int const last = NewPlace(SlotOf(m_Triangles, m_Tin.m_pLastTriangle));
+  m_Tin.ReplacePools(m_pNewPoints.release(), m_pNewTriangles.release());
+  m_Tin.m_pLastTriangle = m_Tin.m_pTriangles->At(last == NONE ? 0 : last);
+}
+
+}  // namespace qeltin::detail
