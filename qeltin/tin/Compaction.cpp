@@ -15,8 +15,8 @@ constexpr int NO_SLOT = -1;
 // Returns the slot of an element, or NO_SLOT where it is in no slot of this pool.
 template <typename T>
 int SlotOf(TArray<T> const& pool, T const* element) {
-  auto const distance = reinterpret_cast<std::uintptr_t>(element) -
-                        reinterpret_cast<std::uintptr_t>(pool.m_pData);
+  auto const distance =
+      reinterpret_cast<std::uintptr_t>(element) - reinterpret_cast<std::uintptr_t>(pool.m_pData);
   if (distance % sizeof(T) != 0) return NO_SLOT;
   auto const slot = distance / sizeof(T);
   return slot < static_cast<std::size_t>(pool.m_iCapacity) ? static_cast<int>(slot) : NO_SLOT;
@@ -111,8 +111,7 @@ void Compaction::ListFaces() {
     TTriangle const& t = m_Triangles.m_pData[face.slot];
     for (int k = 0; k < 3; ++k) {
       TTriangle const* const neighbour = t.m_pAdjacent[k];
-      int const place =
-          LeadsBack(t, k) ? m_FaceOfSlot[Size(SlotOf(m_Triangles, neighbour))] : NONE;
+      int const place = LeadsBack(t, k) ? m_FaceOfSlot[Size(SlotOf(m_Triangles, neighbour))] : NONE;
       face.adjacent[k] = neighbour == nullptr ? Face::HULL : place == NONE ? Face::OPEN : place;
     }
   }
@@ -169,8 +168,7 @@ void Compaction::FillTriangles() {
     m_NewTriangle.push_back(face.dropped ? NONE : m_pNewTriangles->m_iCount);
     if (face.dropped) continue;
     bool const made = face.slot == Face::MADE;
-    TTriangle* const t =
-        m_pNewTriangles->Add(made ? TTriangle() : m_Triangles.m_pData[face.slot]);
+    TTriangle* const t = m_pNewTriangles->Add(made ? TTriangle() : m_Triangles.m_pData[face.slot]);
     for (int k = 0; k < 3; ++k) {
       t->m_pVertex[k] = m_pNewPoints->m_pData + m_NewPoint[Size(face.corner[k])];
     }

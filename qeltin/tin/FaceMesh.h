@@ -25,10 +25,10 @@ struct Face {
 // The faces of a structure over the points of a pool, and what is wrong with it.
 //
 // Faces are sound where each neighbour leads back across the same side in the opposite direction,
-// no corner 2 lies to the left of the line from corner 0 to corner 1, and no vertex begins two sides
-// without a neighbour. Where the sides without a neighbour join the corners of a seed rectangle, they
-// must do nothing else. Such a mesh covers its rectangle once: each triangle covers with the same
-// sign, and the hull turns once.
+// no corner 2 lies to the left of the line from corner 0 to corner 1, and no vertex begins two
+// sides without a neighbour. Where the sides without a neighbour join the corners of a seed
+// rectangle, they must do nothing else. Such a mesh covers its rectangle once: each triangle covers
+// with the same sign, and the hull turns once.
 //
 // Threads: one.
 class FaceMesh {
@@ -54,6 +54,7 @@ class FaceMesh {
  private:
   static constexpr int NONE = -1;
   static constexpr int PINCHED = -2;
+  static constexpr int SEED_CORNERS = 4;
 
   // Side number s of face f stands as 3 f + s.
   using Loop = std::vector<int>;
@@ -98,8 +99,8 @@ class FaceMesh {
   int m_iSlots;
   std::vector<Face> m_Faces;
   std::vector<int> m_SeedCorners;
-  std::vector<int> m_Begun;  // by vertex: the side without neighbour that begins there, or NONE
-  std::vector<char> m_InTheWay;  // by face: to be dropped before the next try
+  std::vector<int> m_Begun;      // by vertex: the side without neighbour that begins there, or NONE
+  std::vector<char> m_InTheWay;  // by face that was given: to be dropped before the next try
 };
 
 }  // namespace qeltin::detail

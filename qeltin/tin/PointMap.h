@@ -6,6 +6,7 @@
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
 #include "qeltin/platform/Export.h"
+#include "qeltin/tin/PlanTable.h"
 
 class TIN;
 
@@ -47,6 +48,8 @@ class QELTIN_API PointMapNode {
   void Enter(TTriangle* triangle);
   void Erase(TTriangle const* triangle);
 
+  void Append(TTriangle* triangle);
+
   TPoint const* m_pPoint = nullptr;
   std::vector<TTriangle*> m_Triangles;
 };
@@ -63,8 +66,8 @@ class QELTIN_API PointMapNode {
 class QELTIN_API PointMap {
  public:
   PointMap() = default;
-  PointMap(PointMap const&) = default;
-  PointMap& operator=(PointMap const&) = default;
+  PointMap(PointMap const& other);
+  PointMap& operator=(PointMap const& other);
   ~PointMap() = default;
 
   int GetNumberOfPoints() const { return static_cast<int>(m_Tree.size()); }
@@ -96,10 +99,13 @@ class QELTIN_API PointMap {
   bool Build(TIN const& tin);
 
   // Drops every entry.
-  void Clear() { m_Tree.clear(); }
+  void Clear();
 
  private:
+  friend class TIN;
   friend class qeltin::detail::Removal;
+
+  using Tree = std::map<PointMapNode, PointMapNode>;  // the mapped node carries the triangles
 
   // Returns the node of the point with equal coordinates, or null. It stays where it is until its
   // entry is erased.
@@ -108,6 +114,19 @@ class QELTIN_API PointMap {
   // As AddTriangle, for a triangle that no list holds yet: the lists need not be searched.
   void EnterNew(TTriangle* triangle);
 
-  std::map<PointMapNode, PointMapNode> m_Tree;  // the mapped node carries the triangles
+  Tree::iterator Locate(TPoint const* point);
+  void IndexEntries();
+
+  // To be called before a point may take the slot, and so the address, of another one: the entries
+  // are found by the tree alone from then on.
+  void ForgetIndex();
+
+  Tree m_Tree;
+
+  // The way to the entries by place, quicker than down the tree, from Build to the next point. An
+  // entry at the end of the tree says that several share a hash, and that only the tree can tell.
+  qeltin::detail::PlanTable<Tree::iterator> m_ByPlace;
+  bool m_bIndexed = false;
+
   static PointMapNode const m_ErrNode;
 };

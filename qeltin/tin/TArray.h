@@ -115,8 +115,8 @@ class TArray {
     qeltin::detail::FreeZeroed(m_pPlaces, IndexBytes());
   }
 
-  // Returns where m_pIndex holds `slot`, or m_iCapacity where a host has overwritten it. A place once
-  // noted is only believed after a look.
+  // Returns where m_pIndex holds `slot`, or m_iCapacity where a host has overwritten it. A place
+  // once noted is only believed after a look.
   int PlaceOf(int slot) {
     if (m_pPlaces == nullptr) {
       m_pPlaces = static_cast<int*>(qeltin::detail::AllocateZeroed(IndexBytes()));

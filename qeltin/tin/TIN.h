@@ -183,10 +183,11 @@ class QELTIN_API TIN {
   // Delaunay triangulation any more. Returns false, with nothing changed, where the map does not
   // know the point, where its triangles do not join up around it, and without a map.
   //
-  // The data bounds stay. The map is kept in step. Slots are given back in the way of TArray::Remove,
-  // which takes a distance in bytes: the point and two triangles, which the structure does not reach
-  // any more, in general stay in the live order, and now and then it loses a slot that is in use.
-  // Compact puts both right, and must have done so before the next insertion.
+  // The data bounds stay. The map is kept in step. Slots are given back in the way of
+  // TArray::Remove, which takes a distance in bytes: the point and two triangles, which the
+  // structure does not reach any more, in general stay in the live order, and now and then it loses
+  // a slot that is in use. Compact puts both right, and must have done so before the next
+  // insertion.
   //
   // A vertex on the edge of the structure is not refused, and leaves its hole partly open; see
   // PointIsOnHull. REQUIRES: an address in the pool, and BuildPointMap after the last insertion.
@@ -211,13 +212,15 @@ class QELTIN_API TIN {
   // follow.
   //
   // The structure is sound where every neighbour of a triangle is in it, leads back, and has the
-  // same two corners in the opposite order; where corners are three different slots of the point
-  // pool at finite places, clockwise or in line as TEdge::WhatSide has it; and where no point begins
-  // two sides without a neighbour. FillHole can lay triangles over each other. Where the structure
-  // is not sound, but has the rectangle of a seed around it, the triangles that are in the way are
-  // replaced by others over the same points, as few as it takes, and heights change there. Returns
-  // false, with nothing changed, where that cannot be done, in a copy, and where there are no live
-  // points or no triangles. Time and memory grow with the size of the pools.
+  // same two corners in the opposite order, or either of the two is in line as far as rounding can
+  // tell; where corners are three different slots of the point pool at finite places, clockwise or
+  // in line as TEdge::WhatSide has it; where no point begins two sides without a neighbour; and
+  // where the sides without a neighbour, if they join the corners of a seed rectangle, do nothing
+  // else. FillHole can lay triangles over each other. Where the structure is not sound, but has a
+  // seed rectangle around it, the triangles that are in the way are replaced by others over the
+  // same points, as few as it takes, and heights and marks change there. Returns false, with
+  // nothing changed, where that cannot be done, in a copy, and where there are no live points or no
+  // triangles. Time and memory grow with the size of the pools.
   bool Compact();
 
   // --- Whole surfaces -------------------------------------------------------------------------

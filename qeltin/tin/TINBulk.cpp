@@ -13,7 +13,10 @@ constexpr std::size_t LOOK_AHEAD = 8;  // points fetched before their turn
 
 }  // namespace
 
-void TIN::LoadPoint(double x, double y, double z) { m_pPoints->Add(TPoint(x, y, z)); }
+void TIN::LoadPoint(double x, double y, double z) {
+  if (m_pPointMap != nullptr) m_pPointMap->ForgetIndex();
+  m_pPoints->Add(TPoint(x, y, z));
+}
 
 bool TIN::Triangulate() {
   m_pPoints->Shuffle();

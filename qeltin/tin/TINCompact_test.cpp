@@ -98,8 +98,8 @@ TEST_P(CompactAfterRemovals, LeavesASoundSurfaceOfThePointsThatWereLeft) {
   Dice dice(TestSeed());
   for (int percent : {0, 20, 60, 95, 100}) {
     TIN tin;
-    auto const added = Build(tin, MakeSurvey(std::get<0>(GetParam()), 500, dice.Bits(),
-                                             std::get<1>(GetParam()).frame));
+    auto const added = Build(
+        tin, MakeSurvey(std::get<0>(GetParam()), 500, dice.Bits(), std::get<1>(GetParam()).frame));
     ASSERT_TRUE(Verify(tin, false).Ok());
     TPoint min, max, worldMin, worldMax;
     tin.GetBounds(min, max);
@@ -134,8 +134,8 @@ TEST_P(CompactAfterRemovals, SavesAndLoadsToTheSameThing) {
   Dice dice(TestSeed());
   TIN tin;
   Thin(tin,
-       Build(tin, MakeSurvey(std::get<0>(GetParam()), 400, dice.Bits(),
-                             std::get<1>(GetParam()).frame)),
+       Build(tin,
+             MakeSurvey(std::get<0>(GetParam()), 400, dice.Bits(), std::get<1>(GetParam()).frame)),
        80, dice);
   ASSERT_TRUE(tin.Compact());
   TemporaryFolder const folder;
@@ -151,8 +151,8 @@ TEST_P(CompactAfterRemovals, SavesAndLoadsToTheSameThing) {
 TEST_P(CompactAfterRemovals, TakesInsertionsAsAnyOtherSurface) {
   Dice dice(TestSeed());
   TIN tin;
-  auto const points = MakeSurvey(std::get<0>(GetParam()), 300, dice.Bits(),
-                                 std::get<1>(GetParam()).frame);
+  auto const points =
+      MakeSurvey(std::get<0>(GetParam()), 300, dice.Bits(), std::get<1>(GetParam()).frame);
   Thin(tin, Build(tin, points), 70, dice);
   ASSERT_TRUE(tin.Compact());
   for (TPoint const& p : points) EXPECT_NE(tin.AddPoint(p), nullptr);
@@ -267,7 +267,8 @@ TEST(TINCompact, TrimbleListsFollowTheirTriangles) {
   HandMadeMesh mesh;
   auto const strip = mesh.LayStrip(6);
   TINPeer::RemoveTriangle(mesh.tin, strip[5], false);
-  TTriangle* const cut = mesh.LayClockwise(mesh.Point(100, 0), mesh.Point(101, 0), mesh.Point(100, 1));
+  TTriangle* const cut =
+      mesh.LayClockwise(mesh.Point(100, 0), mesh.Point(101, 0), mesh.Point(100, 1));
   TINPeer::RemoveTriangle(mesh.tin, strip[0], false);
   strip[0]->m_pAdjacent[0] = strip[0]->m_pAdjacent[1] = strip[0]->m_pAdjacent[2] = strip[1];
   TINPeer::Border(mesh.tin) = new TArray<int>(10);

@@ -56,9 +56,9 @@ class QELTIN_API Triangulator {
   // REQUIRES: a surface that tiles.
   TTriangle* FindNext(TPoint const& p);
 
-  // Fills `result` with triangles that make up the figure whose corners are `ring`, clockwise, their
-  // circles calculated, without neighbours and flags: by clipping ears, the one with the smallest
-  // circumcircle first, the earliest of equal ones. `ring` is used up.
+  // Fills `result` with triangles that make up the figure whose corners are `ring`, clockwise,
+  // their circles calculated, without neighbours and flags: by clipping ears, the one with the
+  // smallest circumcircle first, the earliest of equal ones. `ring` is used up.
   //
   // An ear is a corner whose diagonal has its middle inside what is left of the ring, by
   // TPolygon::PointInPolygon. Note that corners within the triangle do not stand in the way, unless

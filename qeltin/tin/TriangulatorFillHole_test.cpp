@@ -42,8 +42,8 @@ TEST(TriangulatorFillHole, EarliestOfEqualEarsWins) {
   for (TPoint& p : square) p = p + TPoint(500, 500);
   double radius[4];
   for (std::size_t i = 0; i < 4; ++i) {
-    radius[i] = TTriangle(&square[i], &square[(i + 1) % 4], &square[(i + 2) % 4])
-                    .XY_CircumcircleRadius();
+    radius[i] =
+        TTriangle(&square[i], &square[(i + 1) % 4], &square[(i + 2) % 4]).XY_CircumcircleRadius();
   }
   ASSERT_EQ(radius[0], radius[1]);
   ASSERT_EQ(radius[0], radius[2]);
@@ -116,8 +116,8 @@ TEST(TriangulatorFillHole, EqualsItsPlainVersion) {
   for (int run = 0; run < 3000; ++run) {
     Figure const kind = ALL_FIGURES[dice.Below(static_cast<int>(std::size(ALL_FIGURES)))];
     Frame const frame = dice.OneIn(3) ? AT_UTM : AT_ORIGIN;
-    std::vector<TPoint> figure = MakeFigure(kind, 3 + dice.Below(dice.OneIn(20) ? 60 : 12),
-                                            dice.Bits(), frame);
+    std::vector<TPoint> figure =
+        MakeFigure(kind, 3 + dice.Below(dice.OneIn(20) ? 60 : 12), dice.Bits(), frame);
     double const scale = dice.OneIn(2) ? 1.0 : dice.Unit() * 0.01;
     for (TPoint& p : figure) p = p * scale;
     if (dice.OneIn(4)) figure[0] = figure.back();

@@ -77,10 +77,10 @@ TwinCall::Kind DrawKind(Dice& dice, TwinScript::Shares const& shares) {
     TwinCall::Kind kind;
     int share;
   } const choices[] = {
-      {TwinCall::AddFrom, shares.addFrom},     {TwinCall::Find, shares.find},
-      {TwinCall::CutOff, shares.cutOff},       {TwinCall::Release, shares.release},
-      {TwinCall::SetHeight, shares.setHeight}, {TwinCall::BuildMap, shares.buildMap},
-      {TwinCall::TakeOut, shares.takeOut},     {TwinCall::RemoveAll, shares.removeAll},
+      {TwinCall::AddFrom, shares.addFrom},        {TwinCall::Find, shares.find},
+      {TwinCall::CutOff, shares.cutOff},          {TwinCall::Release, shares.release},
+      {TwinCall::SetHeight, shares.setHeight},    {TwinCall::BuildMap, shares.buildMap},
+      {TwinCall::TakeOut, shares.takeOut},        {TwinCall::RemoveAll, shares.removeAll},
       {TwinCall::SaveAndLoad, shares.saveAndLoad}};
   int total = 100;
   for (auto const& choice : choices) total += choice.share;
@@ -174,10 +174,9 @@ TwinScript TwinScript::Shrunk() const {
 }
 
 std::ostream& operator<<(std::ostream& out, TwinScript const& script) {
-  static constexpr char const* NAMES[] = {"Add",      "AddFrom",   "Find",
-                                          "CutOff",   "Release",   "SetHeight",
-                                          "BuildMap", "TakeOut",   "RemoveAll",
-                                          "SaveAndLoad"};
+  static constexpr char const* NAMES[] = {"Add",       "AddFrom",    "Find",     "CutOff",
+                                          "Release",   "SetHeight",  "BuildMap", "TakeOut",
+                                          "RemoveAll", "SaveAndLoad"};
   out.precision(17);
   out << "Init(" << script.points << ", (" << script.min.x << ", " << script.min.y << "), ("
       << script.max.x << ", " << script.max.y << "))\n";

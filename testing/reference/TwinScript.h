@@ -21,7 +21,7 @@ struct TwinCall {
     Release,    // a triangle, with its slot in the way of TArray::Remove
     SetHeight,  // of a point
     BuildMap,
-    TakeOut,    // a point, where there is a map
+    TakeOut,  // a point, where there is a map
     RemoveAll,
     SaveAndLoad,  // at times with a triangle marked TRI_CAVITY in the file
   };
