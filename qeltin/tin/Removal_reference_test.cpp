@@ -1,12 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
 #include "testing/MakeSurvey.h"
-#include "testing/TINPeer.h"
 #include "testing/VerifySurface.h"
 #include "testing/reference/Twin.h"
 
@@ -22,9 +25,11 @@ using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::Place;
 using qeltin::testing::PLACES;
+using qeltin::testing::SurfaceRules;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
 using qeltin::testing::Twin;
+using qeltin::testing::VerifySurface;
 
 using SurveyAtPlace = std::tuple<Survey, Place>;
 
@@ -80,5 +85,42 @@ INSTANTIATE_TEST_SUITE_P(All, RemovalReference,
                          ::testing::Combine(::testing::ValuesIn(ALL_SURVEYS),
                                             ::testing::ValuesIn(PLACES)),
                          NameOfParam);
+
+// --- Real surveys -----------------------------------------------------------------------------
+
+std::vector<TPoint> ReadPoints(std::filesystem::path const& path) {
+  std::vector<TPoint> points;
+  std::ifstream file(path);
+  TPoint p;
+  for (std::string line; std::getline(file, line);) {
+    if (std::sscanf(line.c_str(), "%lf%*[ ,]%lf%*[ ,]%lf", &p.x, &p.y, &p.z) == 3) {
+      points.push_back(p);
+    }
+  }
+  return points;
+}
+
+TEST(RemovalReferenceSurveys, AreEqualAndCompactToASoundSurface) {
+  char const* const folder = std::getenv("QELTIN_SURVEYS");
+  if (folder == nullptr) GTEST_SKIP() << "QELTIN_SURVEYS names no folder of surveys";
+  Dice dice(TestSeed());
+  for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".xyz") continue;
+    std::vector<TPoint> const points = ReadPoints(entry.path());
+    Extent const extent = ExtentOf(points);
+    int const count = static_cast<int>(points.size());
+    Twin twin(count);
+    twin.Init(count, extent.min, extent.max);
+    twin.AddPoints(points);
+    twin.BuildPointMap();
+    EXPECT_GT(RemoveAtRandom(twin, 2 * count, false, dice), count / 4);
+    ASSERT_EQ(twin.Fault(), "") << entry.path();
+    EXPECT_TRUE(twin.Tin().Compact()) << entry.path();
+    SurfaceRules rules;
+    rules.delaunay = false;
+    auto const report = VerifySurface(twin.Tin(), rules);
+    EXPECT_TRUE(report.Ok()) << entry.path() << report;
+  }
+}
 
 }  // namespace
