@@ -41,6 +41,7 @@ void AddVolume(CLI::App& application);
 void AddFilter(CLI::App& application);
 void AddSmooth(CLI::App& application);
 void AddMerge(CLI::App& application);
+void AddDecimate(CLI::App& application);
 void AddIsolines(CLI::App& application);
 void AddContours(CLI::App& application);
 void AddProfile(CLI::App& application);

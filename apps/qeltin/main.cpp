@@ -48,6 +48,7 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddFilter(application);
   AddSmooth(application);
   AddMerge(application);
+  AddDecimate(application);
   AddIsolines(application);
   AddContours(application);
   AddProfile(application);

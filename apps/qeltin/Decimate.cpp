@@ -1,0 +1,241 @@
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "apps/qeltin/DraftFile.h"
+#include "apps/qeltin/Failure.h"
+#include "apps/qeltin/HeightDifference.h"
+#include "apps/qeltin/SurfaceOutput.h"
+#include "apps/qeltin/Thinning.h"
+
+namespace qeltin::cli {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct DecimateOptions : SurfaceOutputOptions {
+  std::string surface;
+  int passes = 1;
+  std::string max_error;
+  std::string min_error;
+  std::string feature_angle;
+  bool keep_edges = true;
+  bool boundary = false;
+  int target = 0;  // 0 for none
+};
+
+struct Result {
+  SurfaceFacts before;
+  SurfaceFacts after;
+  HeightDifference difference;
+  CStatist distances;
+  int runs = 0;
+};
+
+float ParseError(char const* option, std::string const& text) {
+  double value = 0.0;
+  if (text.empty()) return 0.0f;
+  bool const good = ParseNumbers(text, &value, 1) && value >= 0.0;
+  auto const error = static_cast<float>(value);
+  if (!good || !std::isfinite(error)) {
+    throw UsageFailure(std::string(option) + ' ' + Quoted(text) + ": a distance is 0 or above");
+  }
+  return error;
+}
+
+void ParseAngles(std::string const& text, ThinningOptions& thinning) {
+  if (text.empty()) return;
+  double angles[2];
+  ParseNumbers(text, angles, 2);
+  if (!(angles[0] >= 0.0 && angles[0] <= angles[1] && angles[1] < 360.0)) {
+    throw UsageFailure("--feature-angle " + Quoted(text) +
+                       ": from 0 up to below 360 degrees, the smaller one first");
+  }
+  thinning.min_angle = static_cast<float>(angles[0]);
+  thinning.max_angle = static_cast<float>(angles[1]);
+}
+
+ThinningOptions ParseOptions(DecimateOptions const& options) {
+  if (options.max_error.empty() && options.target == 0) {
+    throw UsageFailure("how far? --max-error or --target-points is needed");
+  }
+  ThinningOptions thinning;
+  thinning.passes = options.passes;
+  thinning.keep_edges = options.keep_edges;
+  thinning.boundary = options.boundary;
+  thinning.min_error = ParseError("--min-error", options.min_error);
+  thinning.max_error = ParseError("--max-error", options.max_error);
+  if (!options.max_error.empty() && thinning.min_error > thinning.max_error) {
+    throw UsageFailure("--min-error is above --max-error");
+  }
+  ParseAngles(options.feature_angle, thinning);
+  return thinning;
+}
+
+// Makes runs with growing errors, up to `ceiling`, until `surplus` points have gone or nothing more
+// may go. The error of the first one is that of `thinning`.
+void ThinTo(int surplus, float ceiling, ThinningOptions const& thinning, Thinning& runs) {
+  constexpr float GROWTH = 1.25f;
+  ThinningOptions run = thinning;
+  run.max_error = std::min(thinning.min_error, ceiling);
+  while (surplus > 0) {
+    run.min_error = run.max_error;
+    int const removed = runs.Run(run, surplus);
+    if (removed == 0 && run.max_error == ceiling) return;
+    surplus -= removed;
+    run.max_error = std::min(run.max_error * GROWTH, ceiling);
+  }
+}
+
+void ThinToTarget(DecimateOptions const& options, ThinningOptions thinning,
+                  SurfaceFacts const& facts, Thinning& runs) {
+  constexpr float FIRST_SHARE = 1e-4f;  // of the range of heights
+  auto const range = static_cast<float>(facts.highest - facts.lowest);
+  float const ceiling = options.max_error.empty() ? range : thinning.max_error;
+  if (options.min_error.empty()) thinning.min_error = range * FIRST_SHARE;
+  ThinTo(facts.vertices - options.target, ceiling, thinning, runs);
+}
+
+Result Thin(TIN& tin, DecimateOptions const& options, ThinningOptions const& thinning) {
+  Result result;
+  result.before = FactsOf(tin);
+  if (result.before.visible_triangles == 0) {
+    throw Failure(options.surface, "has no visible triangle");
+  }
+  std::vector<TPoint> const vertices = VerticesOf(tin);
+  Thinning runs(tin, options.quiet);
+  try {
+    if (options.target > 0) {
+      ThinToTarget(options, thinning, result.before, runs);
+    } else {
+      runs.Run(thinning, {});
+    }
+  } catch (std::runtime_error const& e) {
+    throw Failure(options.surface, std::string("cannot be thinned: ") + e.what());
+  }
+  result.after = FactsOf(tin);
+  result.difference = CompareHeights(vertices, tin);
+  result.distances = runs.Distances();
+  result.runs = runs.Runs();
+  return result;
+}
+
+double RootMeanSquare(CStatist const& distances) {
+  return distances.count == 0 ? 0.0 : std::sqrt(distances.sumSquares / distances.count);
+}
+
+void TellJson(DecimateOptions const& options, Result const& result) {
+  NumberStyle const& style = options.style;
+  CStatist const& distances = result.distances;
+  HeightDifference const& difference = result.difference;
+  PrintResult(Dump({{"file", options.output},
+                    {"before", Summary(result.before, style)},
+                    {"after", Summary(result.after, style)},
+                    {"runs", result.runs},
+                    {"error",
+                     {{"samples", distances.count},
+                      {"min", style.Rounded(distances.minimum)},
+                      {"max", style.Rounded(distances.maximum)},
+                      {"mean", style.Rounded(distances.mean)},
+                      {"rms", style.Rounded(RootMeanSquare(distances))}}},
+                    {"difference",
+                     {{"removed", difference.removed},
+                      {"beside", difference.beside},
+                      {"largest", style.Rounded(difference.largest)},
+                      {"mean", style.Rounded(difference.mean)},
+                      {"at", style.Array(difference.place)}}}}));
+}
+
+void TellPeople(DecimateOptions const& options, Result const& result) {
+  NumberStyle const& style = options.style;
+  CStatist const& distances = result.distances;
+  HeightDifference const& difference = result.difference;
+  Report report(style);
+  AddChange(report, {result.before}, result.after, style);
+  report.Add("runs", result.runs);
+  report.Add("points tested off", static_cast<long long>(distances.count));
+  report.Add("distance to plane",
+             style.Text(distances.minimum) + " to " + style.Text(distances.maximum) + ", mean " +
+                 style.Text(distances.mean) + ", rms " + style.Text(RootMeanSquare(distances)));
+  report.Add("height difference",
+             "largest " + style.Text(difference.largest) + ", mean " + style.Text(difference.mean));
+  if (difference.beside > 0) report.Add("removed, now beside", difference.beside);
+  PrintResult(report.Text());
+}
+
+void Run(DecimateOptions const& options) {
+  ThinningOptions const thinning = ParseOptions(options);
+  options.CheckOutput();
+  DraftFile draft(options.output, options.overwrite);
+  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  Result const result = Thin(*tin, options, thinning);
+  if (options.target > 0 && result.after.vertices > options.target) {
+    options.Note("nothing more may go: " + std::to_string(result.after.vertices) +
+                 " points are left");
+  }
+  SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
+  draft.Commit();
+  if (options.json) {
+    TellJson(options, result);
+  } else if (!options.quiet) {
+    TellPeople(options, result);
+  }
+}
+
+}  // namespace
+
+void AddDecimate(CLI::App& application) {
+  auto const options = std::make_shared<DecimateOptions>();
+  CLI::App* const command = application.add_subcommand("decimate", "Thin a surface");
+  command->add_option("surface", options->surface, "A .tin or .ttm surface, or an XYZ text")
+      ->required()
+      ->type_name("FILE");
+  command
+      ->add_option("--max-error", options->max_error,
+                   "How far a point may be from the plane through its\n"
+                   "neighbours to go")
+      ->check(NumberList(1, "a number"))
+      ->type_name("E");
+  command
+      ->add_option("--min-error", options->min_error,
+                   "The same in the first of several passes (default 0)")
+      ->check(NumberList(1, "a number"))
+      ->type_name("E");
+  command->add_option("--passes", options->passes, "How many passes to make (default 1)")
+      ->check(CLI::Range(1, 10000).description(""))
+      ->type_name("N");
+  command
+      ->add_option("--feature-angle", options->feature_angle,
+                   "With --no-keep-edges: where the sides around a point\n"
+                   "turn by less than so many degrees, in the first and in\n"
+                   "the last pass, they are smooth (default 0,0)")
+      ->check(NumberList(2, "A1,A2"))
+      ->type_name("A1,A2");
+  command->add_flag("--keep-edges,!--no-keep-edges", options->keep_edges,
+                    "Test every point inside against the plane; without,\n"
+                    "one on a line between two smooth sides against that\n"
+                    "line, while others with smooth sides stay");
+  command->add_flag("--boundary", options->boundary,
+                    "Points on the edge may go too, where they are near to\n"
+                    "the line through two neighbours on it");
+  command
+      ->add_option("--target-points", options->target,
+                   "Make runs with growing errors, up to --max-error, until\n"
+                   "no more than N points are left")
+      ->check(CLI::Range(1, 2000000000).description(""))
+      ->type_name("N");
+  options->AddTo(*command);
+  command->footer(
+      "Points are chosen all at once in each pass and then removed one by one, so that\n"
+      "the surface can end up farther from a removed point than the error allows: the\n"
+      "height difference that is told is measured at every one of them.\n"
+      "\n"
+      "The result need not be a Delaunay triangulation, as 'qeltin info --check' tells.");
+  command->callback([options] { Run(*options); });
+}
+
+}  // namespace qeltin::cli
