@@ -18,6 +18,7 @@ void* AllocateZeroed(std::size_t bytes) {
   void* const block =
       mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (block == MAP_FAILED) return nullptr;
+  madvise(block, bytes, MADV_HUGEPAGE);  // walks jump about in it: fewer misses in page tables
   return block;
 }
 

@@ -7,7 +7,7 @@
 namespace qeltin::detail {
 
 // Returns `bytes` bytes of zeros, or null where the system refuses them. Large blocks come straight
-// from the system: a page that nobody touches costs nothing. Safe
+// from the system, in huge pages where it has them: a page that nobody touches costs nothing. Safe
 // from any thread.
 QELTIN_API void* AllocateZeroed(std::size_t bytes);
 

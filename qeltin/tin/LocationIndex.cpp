@@ -29,10 +29,12 @@ double CellsPerUnit(double extent, int cells) {
 }  // namespace
 
 LocationIndex::LocationIndex(TArray<TTriangle> const& triangles, TPoint const& min,
-                             TPoint const& max)
+                             TPoint const& max, int stride)
     : m_pTriangles(triangles.m_pData), m_iCapacity(triangles.m_iCapacity) {
   if (triangles.m_iCount <= 0) return;
-  std::vector<int> const slots(triangles.m_pIndex, triangles.m_pIndex + triangles.m_iCount);
+  std::vector<int> slots;
+  slots.reserve(static_cast<std::size_t>(triangles.m_iCount / stride + 1));
+  for (int i = 0; i < triangles.m_iCount; i += stride) slots.push_back(triangles.m_pIndex[i]);
   AddGrid(slots, min, max, 0);
 }
 

@@ -21,8 +21,9 @@ namespace qeltin::detail {
 // Threads: building reads the pool, lookups read both.
 class LocationIndex {
  public:
-  // Builds the index over the live triangles. `triangles` must outlive it.
-  LocationIndex(TArray<TTriangle> const& triangles, TPoint const& min, TPoint const& max);
+  // Builds the index over one in `stride` of the live triangles. `triangles` must outlive it.
+  LocationIndex(TArray<TTriangle> const& triangles, TPoint const& min, TPoint const& max,
+                int stride = 1);
 
   // Returns a triangle near `p`; null only where the pool was empty.
   TTriangle* Near(TPoint const& p) const;

@@ -19,11 +19,11 @@ using qeltin::testing::Dice;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
 
-LocationIndex IndexOf(TIN& tin) {
+LocationIndex IndexOf(TIN& tin, int stride = 1) {
   TPoint min;
   TPoint max;
   tin.GetBounds(min, max);
-  return LocationIndex(*TINPeer::Triangles(tin), min, max);
+  return LocationIndex(*TINPeer::Triangles(tin), min, max, stride);
 }
 
 void Build(TIN& tin, std::vector<IPoint> const& points) {
@@ -52,8 +52,8 @@ int StepsTo(TPoint const& p, TTriangle const* start) {
   return steps;
 }
 
-double MeanSteps(TIN& tin, std::vector<IPoint> const& places) {
-  LocationIndex const index = IndexOf(tin);
+double MeanSteps(TIN& tin, std::vector<IPoint> const& places, int stride = 1) {
+  LocationIndex const index = IndexOf(tin, stride);
   double steps = 0.0;
   for (IPoint const& p : places) steps += StepsTo(TPoint(p), index.Near(TPoint(p)));
   return steps / static_cast<double>(places.size());
@@ -71,6 +71,17 @@ TEST(LocationIndex, LeadsToWithinAFewSteps) {
   TIN tin;
   Build(tin, points);
   EXPECT_LT(MeanSteps(tin, points), 6.0);
+}
+
+TEST(LocationIndex, LeadsNearWhereItKnowsOneTriangleInSixteen) {
+  Dice dice(TestSeed());
+  std::vector<IPoint> points;
+  for (int i = 0; i < 20000; ++i) points.push_back({dice.Unit(), dice.Unit(), 0});
+  TIN tin;
+  Build(tin, points);
+  double const steps = MeanSteps(tin, points, 16);
+  EXPECT_GT(steps, MeanSteps(tin, points));
+  EXPECT_LT(steps, 12.0);
 }
 
 TEST(LocationIndex, LeadsToWithinAFewStepsInClustersAThousandKilometresApart) {

@@ -17,7 +17,9 @@ using qeltin::detail::Steering;
 namespace {
 
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
-constexpr int TRIANGLES_A_STEP = 4;     // that an index takes in while a long walk takes one step
+constexpr int COARSE = 16;              // triangles for each that a first index knows
+constexpr int TRIANGLES_A_STEP = 4;     // that an index takes in while a long walk takes a step
+constexpr int TRIANGLES_A_QUERY = 32;   // that it takes in while a coarse one leads a query
 
 // Returns true only where `p` is inside by more than the band of the side test, so that no
 // neighbour accepts it, and away from the corners, where the bands of a triangle behind meet.
@@ -57,8 +59,10 @@ void Triangulator::Seat(TIN* tin, TArray<TTriangle>* triangles) {
 
 void Triangulator::ForgetIndex() {
   m_pIndex.reset();
+  m_pFineIndex.reset();
   m_iIndexed = 0;
   m_iLongSteps = 0;
+  m_iFarQueries = 0;
 }
 
 TTriangle* Triangulator::Find(TPoint const& p) {
@@ -92,6 +96,10 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
   TTriangle* current = m_pCurrent;
   TTriangle* previous = nullptr;
   for (steps = 0; steps < budget; ++steps) {
+    for (TTriangle const* const beside : current->m_pAdjacent) {
+      __builtin_prefetch(beside);
+      __builtin_prefetch(&beside->m_Flags);  // a record may lie across two lines
+    }
     int const side = tiles ? steering.Where(*current) : current->WhereTri(p);
     if (side == 3) {
       m_pCurrent = current;
@@ -150,9 +158,12 @@ TTriangle* Triangulator::FindNext(TPoint const& p) {
 // triangle that has `p` strictly inside, if it ended within its steps.
 TTriangle* Triangulator::FindFar(TPoint const& p) {
   if (!qeltin::detail::IsFar(*m_pCurrent, p)) return nullptr;
+  if (m_pFineIndex == nullptr && ++m_iFarQueries > m_pTriangles->m_iCount / TRIANGLES_A_QUERY) {
+    m_pFineIndex = MakeIndex(1);
+  }
 
   TTriangle* const before = m_pCurrent;
-  m_pCurrent = m_pIndex->Near(p);
+  m_pCurrent = (m_pFineIndex != nullptr ? m_pFineIndex : m_pIndex)->Near(p);
   TTriangle* const found = Walk(p, CHEAP_WALK);
   if (found != nullptr && found == m_pCurrent && IsWellInside(*found, p)) return found;
   m_pCurrent = before;
@@ -160,27 +171,37 @@ TTriangle* Triangulator::FindFar(TPoint const& p) {
 }
 
 // Walks as far as it takes from the indexed triangle nearest to `p`, or from the present one while
-// there is no index.
+// there is no index. The fine index stays out: among triangles whose bands share a place, the way
+// that the walk comes decides, and so it rests on fewer things.
 TTriangle* Triangulator::FindByIndex(TPoint const& p) {
   int const count = m_pTriangles->m_iCount;
   if (IndexPays()) {
-    m_pIndex = std::make_unique<LocationIndex>(*m_pTriangles, m_pTin->m_Min, m_pTin->m_Max);
+    m_pIndex = MakeIndex(COARSE);
+    m_pFineIndex.reset();
+    m_iFarQueries = 0;
     m_iIndexed = count;
     m_iLongSteps = 0;
-    if (!m_pTin->m_bTiling) m_pTin->FindWhetherItTiles();
   }
   if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p);
   int steps = 0;
   TTriangle* const found = Walk(p, count, steps);
   m_iLongSteps += steps;
+  if (m_pIndex != nullptr && !m_pTin->m_bTiling && m_iLongSteps > count / TRIANGLES_A_STEP) {
+    m_pTin->FindWhetherItTiles();
+    m_iLongSteps = 0;
+  }
   return found;
 }
 
-// Returns true iff the pool has doubled since the index was built, if ever, and the walks since
-// then have cost as much as building it.
+// Returns true iff the pool has doubled since an index was built, if ever, and the walks since then
+// have cost as much as building a coarse one.
 bool Triangulator::IndexPays() const {
   int const count = m_pTriangles->m_iCount;
-  return count / 2 >= m_iIndexed && m_iLongSteps > count / TRIANGLES_A_STEP;
+  return count / 2 >= m_iIndexed && m_iLongSteps > count / (COARSE * TRIANGLES_A_STEP);
+}
+
+std::unique_ptr<LocationIndex> Triangulator::MakeIndex(int stride) const {
+  return std::make_unique<LocationIndex>(*m_pTriangles, m_pTin->m_Min, m_pTin->m_Max, stride);
 }
 
 TTriangle* Triangulator::FindBySample(TPoint const& p) {

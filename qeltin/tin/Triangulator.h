@@ -40,7 +40,8 @@ class QELTIN_API Triangulator {
   // A walk of at most 20 steps from the last result comes first. Note that after a walk that was
   // about to go straight back and ended in a triangle of that pair, the answer is where the walk
   // BEGAN. Where that walk fails, an index over the pool, built once the cost of walking has come
-  // to that of building it, or a sample of the pool places a walk of any length.
+  // to that of building it, or a sample of the pool places a walk of any length. The index knows
+  // a few triangles; one of all of them follows for queries far from each other once that pays too.
   TTriangle* Find(TPoint const& p);
 
   // Walks from m_pCurrent towards `p`, in at most `budget` steps. Returns the triangle that holds
@@ -84,12 +85,15 @@ class QELTIN_API Triangulator {
   TTriangle* Walk(TPoint const& p, int budget, int& steps);
   TTriangle* FindByIndex(TPoint const& p);
   bool IndexPays() const;
+  std::unique_ptr<qeltin::detail::LocationIndex> MakeIndex(int stride) const;
   TTriangle* FindBySample(TPoint const& p);
   TTriangle* FindByStartPoints(TPoint const& p);
   TTriangle* FindFar(TPoint const& p);
   int RandomPosition() const;
 
-  std::unique_ptr<qeltin::detail::LocationIndex> m_pIndex;  // null until it pays
-  int m_iIndexed = 0;                                       // triangles when the index was built
-  long long m_iLongSteps = 0;                               // steps of long walks since then
+  std::unique_ptr<qeltin::detail::LocationIndex> m_pIndex;      // null until it pays
+  std::unique_ptr<qeltin::detail::LocationIndex> m_pFineIndex;  // over all triangles
+  int m_iIndexed = 0;          // triangles when the first one was built
+  long long m_iLongSteps = 0;  // steps of long walks since then
+  int m_iFarQueries = 0;       // that the first one has led
 };
