@@ -1,4 +1,6 @@
-// Traces the lines of 20 heights over a surface, one call each.
+// Traces the lines of 20 heights over a surface.
+//   levels  one call for all of them
+//   single  one call each
 #include "bench/BuildSurface.h"
 #include "bench/HeightLevels.h"
 #include "bench/Measurement.h"
@@ -8,15 +10,19 @@ using namespace qeltin::bench;
 
 namespace {
 
-[[gnu::noinline]] void TraceLevels(TIN& tin, std::vector<double> const& levels,
+[[gnu::noinline]] void TraceLevels(TIN& tin, std::vector<double> const& levels, bool together,
                                    std::vector<TPolygon*>& lines) {
-  for (double level : levels) tin.GenerateIsoline(lines, level);
+  if (together) {
+    tin.GenerateIsolines(lines, levels);
+  } else {
+    for (double level : levels) tin.GenerateIsoline(lines, level);
+  }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  Task const task = ParseTask(argc, argv, {"levels"});
+  Task const task = ParseTask(argc, argv, {"levels", "single"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
   std::vector<double> const levels = HeightLevels(points);
 
@@ -26,7 +32,7 @@ int main(int argc, char** argv) {
   std::vector<TPolygon*> lines;
 
   measurement.Start();
-  TraceLevels(tin, levels, lines);
+  TraceLevels(tin, levels, task.work == "levels", lines);
   measurement.Stop();
 
   double crossings = 0.0;

@@ -1,5 +1,8 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <span>
 #include <vector>
 
 #include "qeltin/kernel/TEdge.h"
@@ -27,42 +30,87 @@ bool IsFlat(TTriangle const& t) {
 
 namespace qeltin::detail {
 
-// Traces the lines of one level over one surface.
+// Traces the lines of some levels over one surface.
+//
+// What a level leaves behind is known: marks on the triangles that its lines came to. So one sweep
+// over all triangles finds what each level crosses.
 class IsolineTracer {
  public:
-  IsolineTracer(TIN& tin, double level) : m_Tin(tin), m_dLevel(level) {}
+  explicit IsolineTracer(TIN& tin) : m_Tin(tin) {}
 
-  void Run(std::vector<TPolygon*>& lines) {
-    std::vector<TTriangle*> const starts = Sweep();
-    for (TTriangle* t : starts) {
-      if ((t->m_Flags & TRI_VISITED) != 0) continue;
-      lines.push_back(new TPolygon);
-      Trace(t, EntryOf(*t), *lines.back());
-      Orient(*lines.back(), t);
+  // REQUIRES: no more levels than a table of codes has room for.
+  void Run(std::vector<TPolygon*>& lines, std::span<double const> levels) {
+    std::vector<double> const rising = Rising(levels);
+    m_Crossed.assign(rising.size(), {});
+    if (rising.size() > HeightCodes<std::uint8_t>::MOST_LEVELS) {
+      Sweep(HeightCodes<std::uint16_t>(*m_Tin.m_pPoints, rising));
+    } else {
+      Sweep(HeightCodes<std::uint8_t>(*m_Tin.m_pPoints, rising));
+    }
+    for (double level : levels) {
+      m_dLevel = level;
+      RenewMarks();
+      auto const place = std::lower_bound(rising.begin(), rising.end(), level);
+      if (place == rising.end() || *place != level) continue;  // not a number
+      TraceAll(m_Crossed[static_cast<std::size_t>(place - rising.begin())], lines);
     }
   }
 
  private:
   static constexpr unsigned char NOT_VISITED = static_cast<unsigned char>(~TRI_VISITED);
 
-  // Clears the marks, sets those of the flat triangles, and returns the crossed ones in live order.
-  // Marking the flat ones before the first line is traced changes no line: each of them ends a line
-  // that comes to it, marked or not.
-  std::vector<TTriangle*> Sweep() {
-    HeightCodes const codes(*m_Tin.m_pPoints, m_dLevel);
-    std::vector<TTriangle*> crossed;
+  static std::vector<double> Rising(std::span<double const> levels) {
+    std::vector<double> rising;
+    std::copy_if(levels.begin(), levels.end(), std::back_inserter(rising),
+                 [](double level) { return !std::isnan(level); });
+    std::sort(rising.begin(), rising.end());
+    rising.erase(std::unique(rising.begin(), rising.end()), rising.end());
+    return rising;
+  }
+
+  // Clears all marks, and notes in live order the flat triangles and those that each level may
+  // cross.
+  template <typename Code>
+  void Sweep(HeightCodes<Code> const& codes) {
     int const count = m_Tin.GetNumberOfTriangles();
     for (int i = 0; i < count; ++i) {
       TTriangle* const t = m_Tin.GetTriangle(i, true);
       if ((t->m_Flags & TRI_VISITED) != 0) t->m_Flags &= NOT_VISITED;
       if (!codes.MayMatter(*t) || t->IsHidden() || !m_Tin.InBounds(*t)) continue;
       if (IsFlat(*t)) {
-        t->m_Flags |= TRI_VISITED;
-      } else if (EntryOf(*t) != 3) {
-        crossed.push_back(t);
+        m_Flat.push_back(t);
+        continue;
+      }
+      auto const levels = codes.LevelsOf(*t);
+      for (std::size_t level = levels.first; level < levels.last; ++level) {
+        m_Crossed[level].push_back(t);
       }
     }
-    return crossed;
+  }
+
+  // Takes back the marks of the level before and sets those of the flat triangles. To mark these
+  // before the first line is traced changes no line: each of them ends a line that comes to it,
+  // marked or not.
+  void RenewMarks() {
+    for (TTriangle* t : m_Marked) t->m_Flags &= NOT_VISITED;
+    m_Marked.clear();
+    for (TTriangle* t : m_Flat) Mark(*t);
+  }
+
+  void Mark(TTriangle& t) {
+    t.m_Flags |= TRI_VISITED;
+    m_Marked.push_back(&t);
+  }
+
+  void TraceAll(std::vector<TTriangle*> const& starts, std::vector<TPolygon*>& lines) {
+    for (TTriangle* t : starts) {
+      if ((t->m_Flags & TRI_VISITED) != 0) continue;
+      int const entry = EntryOf(*t);
+      if (entry == 3) continue;
+      lines.push_back(new TPolygon);
+      Trace(t, entry, *lines.back());
+      Orient(*lines.back(), t);
+    }
   }
 
   // Half open: an end at the level is above it.
@@ -91,7 +139,7 @@ class IsolineTracer {
     while (side < 3) {  // 3: the neighbour does not lead back
       TPoint const crossing = Crossing(*t, side);
       if (m_Tin.InBounds(crossing)) line.Add(crossing);
-      t->m_Flags |= TRI_VISITED;
+      Mark(*t);
       if (!first && !m_Tin.InBounds(*t)) return;
       first = false;
 
@@ -100,7 +148,7 @@ class IsolineTracer {
       if (next == nullptr) return;
       bool const ends = (next->m_Flags & (TRI_VISITED | TRI_FILTERED)) != 0;
       if (IsFlat(*next)) {
-        next->m_Flags |= TRI_VISITED;
+        Mark(*next);
         return;
       }
       if (ends) return;
@@ -136,14 +184,27 @@ class IsolineTracer {
   }
 
   TIN& m_Tin;
-  double m_dLevel;
+  double m_dLevel = 0.0;                           // under work
+  std::vector<std::vector<TTriangle*>> m_Crossed;  // by rising level
+  std::vector<TTriangle*> m_Flat;
+  std::vector<TTriangle*> m_Marked;  // since the present level was begun, maybe more than once
 };
 
 }  // namespace qeltin::detail
 
 int TIN::GenerateIsoline(std::vector<TPolygon*>& lines, double level) {
+  return GenerateIsolines(lines, {level});
+}
+
+int TIN::GenerateIsolines(std::vector<TPolygon*>& lines, std::vector<double> const& levels) {
   if (GetNumberOfTriangles() < FEWEST_TRIANGLES) return 0;
+  constexpr std::size_t MOST = qeltin::detail::HeightCodes<std::uint16_t>::MOST_LEVELS;
   std::size_t const before = lines.size();
-  qeltin::detail::IsolineTracer(*this, level).Run(lines);
+  std::span<double const> rest(levels);
+  while (!rest.empty()) {
+    std::size_t const count = std::min(rest.size(), MOST);
+    qeltin::detail::IsolineTracer(*this).Run(lines, rest.first(count));
+    rest = rest.subspan(count);
+  }
   return static_cast<int>(lines.size() - before);
 }

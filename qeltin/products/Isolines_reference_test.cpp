@@ -113,6 +113,10 @@ class IsolineReference : public ::testing::TestWithParam<std::tuple<Survey, Plac
     std::vector<std::vector<TPoint>> stated = TraceReferenceIsolines(*m_pStated, level);
     ASSERT_EQ(traced.size(), stated.size());
     for (std::size_t i = 0; i < stated.size(); ++i) ExpectEqual(*traced[i], stated[i], level, sure);
+    ExpectEqualMarks();
+  }
+
+  void ExpectEqualMarks() {
     for (int i = 0; i < m_pTraced->GetNumberOfTriangles(); ++i) {
       ASSERT_EQ(m_pTraced->GetTriangle(i, true)->m_Flags, m_pStated->GetTriangle(i, true)->m_Flags);
     }
@@ -210,6 +214,35 @@ TEST_P(IsolineReference, LinesAmongHeightsThatAreNoNumbersAreEqual) {
 TEST_P(IsolineReference, LinesOfALargeSurfaceAreEqual) {
   Build(MANY);
   for (int i = 0; i < 3; ++i) ExpectEqualLines(AnyLevel(), false);
+}
+
+// Levels in any order, twice, at vertices, and one that is no number.
+TEST_P(IsolineReference, LinesOfManyLevelsAreThoseOfOneLevelAfterTheOther) {
+  Build(FEW);
+  RoundHeights((m_dHigh - m_dLow) / 40);
+  MarkSome(TRI_FILTERED, 30);
+  MarkSome(TRI_VISITED, 2);
+  for (int count : {0, 1, 2, 3, 25, 1500}) {
+    SCOPED_TRACE(count);
+    std::vector<double> levels;
+    for (int i = 0; i < count; ++i) levels.push_back(i % 2 == 0 ? AnyLevel() : HeightOfAPoint());
+    if (count > 2) levels[2] = levels[0];
+    if (count > 3) levels[3] = std::numeric_limits<double>::quiet_NaN();
+    std::vector<TPolygon*> together;
+    std::vector<TPolygon*> apart;
+    std::srand(SAME_DRAWS);
+    int const number = m_pTraced->GenerateIsolines(together, levels);
+    std::srand(SAME_DRAWS);
+    for (double level : levels) m_pStated->GenerateIsoline(apart, level);
+    std::vector<std::unique_ptr<TPolygon>> const owner(together.begin(), together.end());
+    std::vector<std::unique_ptr<TPolygon>> const other_owner(apart.begin(), apart.end());
+    ASSERT_EQ(number, static_cast<int>(together.size()));
+    ASSERT_EQ(together.size(), apart.size());
+    for (std::size_t i = 0; i < apart.size(); ++i) {
+      ASSERT_TRUE(HaveSameBits(PointsOf(*together[i]), PointsOf(*apart[i])));
+    }
+    ExpectEqualMarks();
+  }
 }
 
 // A copy of a surface has the corners and the neighbours of its triangles in the pools of the

@@ -259,6 +259,10 @@ class QELTIN_API TIN {
   // 0 with fewer than three triangles. Threads: a write, for the marks.
   int GenerateIsoline(std::vector<TPolygon*>& lines, double level);
 
+  // As GenerateIsoline for one level after the other, and much faster: the surface is searched once
+  // for all of them.
+  int GenerateIsolines(std::vector<TPolygon*>& lines, std::vector<double> const& levels);
+
   // Appends the cross-section of the surface under a straight line in plan, as open lines with a
   // point wherever the line crosses the side of a triangle, and returns how many were appended. The
   // line is clipped to the world box. 0 for a line without plan length, outside the world box, or
