@@ -97,6 +97,7 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
   TTriangle* previous = nullptr;
   for (steps = 0; steps < budget; ++steps) {
     for (TTriangle const* const beside : current->m_pAdjacent) {
+      if (beside == nullptr) continue;
       __builtin_prefetch(beside);
       __builtin_prefetch(&beside->m_Flags);  // a record may lie across two lines
     }
