@@ -55,6 +55,13 @@ function(qeltin_add_command_test label name)
   set_tests_properties(${label}/${name} PROPERTIES LABELS ${label})
 endfunction()
 
+# A host that links nothing: it loads the library by name, and unloads it.
+add_executable(unload_host ${PROJECT_SOURCE_DIR}/testing/unload/host.cpp)
+target_include_directories(unload_host PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(unload_host PRIVATE qeltin_build_flags ${CMAKE_DL_LIBS})
+add_dependencies(unload_host qeltin)
+qeltin_add_command_test(models unload unload_host $<TARGET_FILE:qeltin>)
+
 set(arrows ${PROJECT_SOURCE_DIR}/testing/conventions/include_arrows.py)
 qeltin_add_command_test(conventions format ${PROJECT_SOURCE_DIR}/scripts/format --check)
 qeltin_add_command_test(conventions include_arrows

@@ -5,12 +5,16 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <utility>
+
+#include "qeltin/tin/TArray.h"
 
 namespace qeltin::detail {
 
 namespace {
 
+constexpr int FEW_POINTS = 8192;      // that RandomOrder leaves as they are shuffled
 constexpr int FIRST_ROUND = 256;      // points; at most
 constexpr double ROUND_GROWTH = 8.0;  // each round goes to this many times the points so far
 constexpr std::size_t CROWDED = 16;   // points in one cell of the curve, which then goes on inside
@@ -195,6 +199,13 @@ std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int co
   std::vector<int> order(size);
   std::transform(&places[0], &places[0] + size, order.begin(), SlotOf);
   return order;
+}
+
+std::vector<int> RandomOrder(TPoint const* points, int count) {
+  std::vector<int> shuffled(static_cast<std::size_t>(count));
+  std::iota(shuffled.begin(), shuffled.end(), 0);
+  ShuffleIndex(shuffled.data(), count);
+  return count <= FEW_POINTS ? shuffled : OrderInRounds(points, shuffled.data(), count);
 }
 
 }  // namespace qeltin::detail

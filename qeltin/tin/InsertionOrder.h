@@ -15,4 +15,9 @@ namespace qeltin::detail {
 // Source: N. Amenta, S. Choi, G. Rote, "Incremental Constructions con BRIO", 2003.
 std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int count);
 
+// Returns a random order in which to insert points whose live order is to be that of insertion: a
+// shuffle, in rounds where there are so many points that walks across the surface would cost more
+// than the insertions. Another order on every run.
+std::vector<int> RandomOrder(TPoint const* points, int count);
+
 }  // namespace qeltin::detail

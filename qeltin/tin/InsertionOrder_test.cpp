@@ -12,6 +12,7 @@
 namespace {
 
 using qeltin::detail::OrderInRounds;
+using qeltin::detail::RandomOrder;
 using qeltin::testing::Dice;
 using qeltin::testing::TestSeed;
 
@@ -98,6 +99,35 @@ TEST(InsertionOrder, ClustersFarApartAreEachFollowed) {
   double const jumps = std::floor(PathLength(points, order) / 1e9);
   EXPECT_LE(jumps, 8.0);
   EXPECT_LT(PathLength(points, order) - jumps * 1e9, 1000.0);
+}
+
+std::vector<int> Sorted(std::vector<int> order) {
+  std::sort(order.begin(), order.end());
+  return order;
+}
+
+// A path through n places in a unit square takes about sqrt(n) along a curve, in random order about
+// n / 2.
+TEST(InsertionOrder, FewPointsComeAsTheyAreShuffledAndMoreInRounds) {
+  Dice dice(TestSeed());
+  std::vector<TPoint> points;
+  for (int i = 0; i < 8193; ++i) points.emplace_back(dice.Unit(), dice.Unit());
+  std::vector<int> const few = RandomOrder(points.data(), 8192);
+  std::vector<int> const more = RandomOrder(points.data(), 8193);
+  EXPECT_GT(PathLength(points, few), 3000.0);
+  EXPECT_LT(PathLength(points, more), 600.0);
+  std::vector<int> slots(8193);
+  std::iota(slots.begin(), slots.end(), 0);
+  EXPECT_EQ(Sorted(more), slots);
+  slots.pop_back();
+  EXPECT_EQ(Sorted(few), slots);
+}
+
+TEST(InsertionOrder, RandomOrderDiffersFromRunToRun) {
+  std::vector<TPoint> points;
+  for (int i = 0; i < 100; ++i) points.emplace_back(i, i * i % 17);
+  EXPECT_NE(RandomOrder(points.data(), 100), RandomOrder(points.data(), 100));
+  EXPECT_TRUE(RandomOrder(points.data(), 0).empty());
 }
 
 }  // namespace

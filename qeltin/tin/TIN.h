@@ -374,9 +374,8 @@ class QELTIN_API TIN {
   TPoint* AddPoint(TPoint* p, TTriangle* start);
   bool Seed();
 
-  // Adds the points in random order through the public AddPoint, in rounds that each follow a
-  // space-filling curve. `points` is left in some other order.
-  void InsertInRandomOrder(std::vector<TPoint>& points);
+  // Adds the points in random order through the public AddPoint.
+  void InsertInRandomOrder(std::vector<TPoint> const& points);
 
   TTriangle* TraverseFind(TPoint const& p, int budget) const;
   void GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result);

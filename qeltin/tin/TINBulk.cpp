@@ -1,6 +1,5 @@
 #include <cassert>
 #include <cstdlib>
-#include <numeric>
 
 #include "qeltin/tin/InsertionOrder.h"
 #include "qeltin/tin/TIN.h"
@@ -60,12 +59,8 @@ bool TIN::Create(std::vector<IPoint>* points) {
   return true;
 }
 
-void TIN::InsertInRandomOrder(std::vector<TPoint>& points) {
-  auto const count = static_cast<int>(points.size());
-  std::vector<int> shuffled(points.size());
-  std::iota(shuffled.begin(), shuffled.end(), 0);
-  qeltin::detail::ShuffleIndex(shuffled.data(), count);
-  for (int i : OrderInRounds(points.data(), shuffled.data(), count)) {
+void TIN::InsertInRandomOrder(std::vector<TPoint> const& points) {
+  for (int i : qeltin::detail::RandomOrder(points.data(), static_cast<int>(points.size()))) {
     AddPoint(points[static_cast<std::size_t>(i)]);
   }
 }
