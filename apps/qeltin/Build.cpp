@@ -65,8 +65,8 @@ std::vector<IPoint> ReadInputs(BuildOptions const& options, std::optional<Box> c
   return points;
 }
 
-std::unique_ptr<TIN> Build(std::vector<IPoint>& points, std::optional<Box> const& bounds,
-                           BuildOptions const& options, BuildResult& result) {
+HeldSurface Build(std::vector<IPoint>& points, std::optional<Box> const& bounds,
+                  BuildOptions const& options, BuildResult& result) {
   std::string const name = options.inputs.size() == 1 ? options.inputs[0] : options.output;
   std::string const why = WhyNoSurface(points);
   if (!why.empty() && result.outside > 0) {
@@ -75,7 +75,7 @@ std::unique_ptr<TIN> Build(std::vector<IPoint>& points, std::optional<Box> const
   }
   if (!why.empty()) throw Failure(name, why);
 
-  std::unique_ptr<TIN> tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
+  HeldSurface tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
   result.facts = FactsOf(*tin);
   // In the order of the files every triangle may be hidden, however sound the surface is.
   if (!options.keep_order) RequireVisible(*tin, name);
@@ -121,7 +121,7 @@ void Run(BuildOptions const& options) {
   Stopwatch watch;
   std::vector<IPoint> points = ReadInputs(options, bounds, result);
   result.seconds_read = watch.Lap();
-  std::unique_ptr<TIN> const tin = Build(points, bounds, options, result);
+  HeldSurface const tin = Build(points, bounds, options, result);
   result.seconds_build = watch.Lap();
   SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
   draft.Commit();

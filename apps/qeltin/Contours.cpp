@@ -106,7 +106,7 @@ void Generate(TIN const& tin, std::vector<Level> const& levels, bool quiet, Sink
 void Run(ContourOptions const& options) {
   options.levels.Check();
   Sink sink(options);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   SurfaceFacts const facts = FactsOf(*tin);
   if (facts.visible_triangles == 0) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");

@@ -31,7 +31,7 @@ Json Head(ConvertOptions const& options, FileKind to) {
 void ToSurface(ConvertOptions const& options) {
   DraftFile draft(options.output, options.overwrite);
   Json json = Head(options, FileKind::NATIVE);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.input, options);
+  HeldSurface const tin = OpenSurface(options.input, options);
   SurfaceFacts const facts = FactsOf(*tin);
   SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
   draft.Commit();

@@ -171,7 +171,7 @@ void Run(DecimateOptions const& options) {
   ThinningOptions const thinning = ParseOptions(options);
   options.CheckOutput();
   DraftFile draft(options.output, options.overwrite);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   Result const result = Thin(*tin, options, thinning);
   if (options.target > 0 && result.after.vertices > options.target) {
     options.Note("nothing more may go: " + std::to_string(result.after.vertices) +

@@ -38,7 +38,7 @@ void Run(FilterOptions const& options) {
   double const limit = ParseLimit(options.max_edge);
   options.CheckOutput();
   DraftFile draft(options.output, options.overwrite);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   SurfaceFacts const before = FactsOf(*tin);
   if (before.triangles == 0) throw Failure(options.surface, "holds no triangles");
 

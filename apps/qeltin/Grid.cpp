@@ -173,7 +173,7 @@ void TellPeople(GridOptions const& options, GridResult const& result) {
 void Run(GridOptions const& options) {
   Cell const cell = ParseCell(options);
   std::unique_ptr<Raster> const raster = NewRaster(options.raster);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   SurfaceFacts const facts = FactsOf(*tin);
   if (facts.visible_triangles == 0) throw Failure(options.surface, "has no visible triangle");
   LatticeAxis const x(facts.bounds.min.x, facts.bounds.max.x, cell.dx);

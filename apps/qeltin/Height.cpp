@@ -91,7 +91,7 @@ void Run(HeightOptions const& options) {
   std::optional<PlaceReader> places;
   if (!options.points.empty()) places.emplace(options.points);
   TextOutput output(options.output, options.overwrite);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
 
   Answers answers(options, *tin, output);
   if (places) AnswerStream(*places, output, options.quiet, answers);

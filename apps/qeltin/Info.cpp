@@ -146,7 +146,7 @@ void CheckSurface(InfoOptions const& options, FileKind kind) {
 void TellSurface(InfoOptions const& options, FileKind kind) {
   // Before the surface is loaded: loading writes a native file of an older version anew.
   StoredFile const file = LookAt(options.file);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.file, options);
+  HeldSurface const tin = OpenSurface(options.file, options);
   Answer answer(options, kind);
   AddFormat(answer, kind, file);
   answer.Add(FactsOf(*tin));

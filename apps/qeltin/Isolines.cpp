@@ -42,7 +42,7 @@ void Run(IsolineOptions const& options) {
   options.levels.Check();
   Layer const layer{.name = "isolines", .counter = "line", .fields = {{"level", FieldType::REAL}}};
   std::unique_ptr<VectorOutput> const output = CreateVectorOutput(options.vector, layer, options);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   SurfaceFacts const facts = FactsOf(*tin);
   if (facts.visible_triangles == 0) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");

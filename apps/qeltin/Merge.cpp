@@ -25,7 +25,7 @@ struct Input {
 
 Input ReadInput(std::string const& name, MergeOptions const& options) {
   Input input{name, {}, {}};
-  std::unique_ptr<TIN> const tin = OpenSurface(name, options);
+  HeldSurface const tin = OpenSurface(name, options);
   input.facts = FactsOf(*tin);
   AppendVertices(*tin, input.points);
   if (input.facts.triangles == 0) throw Failure(name, "holds no triangles");
@@ -46,9 +46,9 @@ Extent ExtentOf(std::vector<Input> const& inputs) {
 class MergedSurface {
  public:
   // For the points of this extent.
-  explicit MergedSurface(Extent const& extent) {
-    m_pTin->Init(static_cast<int>(extent.Count()), extent.Bounds().min, extent.Bounds().max);
-  }
+  explicit MergedSurface(Extent const& extent)
+      : m_pTin(MakeEmpty(static_cast<int>(extent.Count()), extent.Bounds().min,
+                         extent.Bounds().max)) {}
 
   // Takes the points of the first input in random order, which is the fast way.
   void Begin(std::vector<IPoint> const& points) {
@@ -69,7 +69,7 @@ class MergedSurface {
   TIN const& Surface() const { return *m_pTin; }
 
  private:
-  std::unique_ptr<TIN> m_pTin = std::make_unique<TIN>();
+  HeldSurface m_pTin;
 };
 
 void Fill(MergedSurface& merged, std::vector<Input> const& inputs, bool quiet) {

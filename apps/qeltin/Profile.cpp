@@ -130,7 +130,7 @@ void Run(ProfileOptions const& options) {
                     .fields = {{"line", FieldType::INTEGER}}};
   std::unique_ptr<VectorOutput> const output = CreateVectorOutput(options.vector, layer, options);
   std::vector<TPolygon> const lines = LinesFor(options);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   if (FactsOf(*tin).visible_triangles == 0) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");
   }

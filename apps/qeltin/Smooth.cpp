@@ -62,7 +62,7 @@ void Run(SmoothOptions const& options) {
   std::vector<TPolygon> polygons;
   if (!options.inside.empty()) polygons = ReadPolygons(options.inside);
   DraftFile draft(options.output, options.overwrite);
-  std::unique_ptr<TIN> tin = OpenSurface(options.surface, options);
+  HeldSurface tin = OpenSurface(options.surface, options);
   SurfaceFacts const before = FactsOf(*tin);
   std::vector<IPoint> points = CentroidsOf(*tin);
   tin.reset();

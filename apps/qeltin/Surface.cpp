@@ -79,10 +79,17 @@ Progress EstimatedProgress(std::size_t count, bool quiet) {
   return Progress("build", guess, quiet);
 }
 
-void InsertShuffled(TIN& tin, std::vector<IPoint> const& points, Box const& box) {
-  tin.Init(static_cast<int>(points.size()), box.min, box.max);
-  for (IPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
-  tin.Triangulate();
+HeldSurface MakeShuffled(std::vector<IPoint> const& points, std::optional<Box> const& bounds) {
+  Extent extent;
+  for (IPoint const& p : points) extent.Add(p);
+  Box box = extent.Bounds();
+  if (bounds) {
+    box = {{bounds->min.x, bounds->min.y, box.min.z}, {bounds->max.x, bounds->max.y, box.max.z}};
+  }
+  HeldSurface tin = MakeEmpty(static_cast<int>(points.size()), box.min, box.max);
+  for (IPoint const& p : points) tin->LoadPoint(p.x, p.y, p.z);
+  tin->Triangulate();
+  return tin;
 }
 
 }  // namespace
@@ -186,21 +193,10 @@ void AppendVertices(TIN const& tin, std::vector<IPoint>& points) {
   }
 }
 
-std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
-                                  std::optional<Box> const& bounds, bool quiet) {
+HeldSurface BuildSurface(std::vector<IPoint>& points, bool keep_order,
+                         std::optional<Box> const& bounds, bool quiet) {
   Progress const progress = EstimatedProgress(points.size(), quiet);
-  auto tin = std::make_unique<TIN>();
-  if (keep_order) {
-    tin->Create(&points);
-  } else {
-    Extent extent;
-    for (IPoint const& p : points) extent.Add(p);
-    Box box = extent.Bounds();
-    if (bounds) {
-      box = {{bounds->min.x, bounds->min.y, box.min.z}, {bounds->max.x, bounds->max.y, box.max.z}};
-    }
-    InsertShuffled(*tin, points, box);
-  }
+  HeldSurface tin = keep_order ? MakeInOrder(points) : MakeShuffled(points, bounds);
   // The library does without what the system refuses it, and says nothing.
   bool const complete = tin->GetNumberOfPoints() >= static_cast<int>(points.size()) &&
                         tin->GetNumberOfTriangles() > 0;

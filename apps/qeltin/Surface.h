@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "apps/qeltin/HeldSurface.h"
 #include "qeltin/tin/TIN.h"
 
 namespace qeltin::cli {
@@ -79,8 +79,8 @@ void AppendVertices(TIN const& tin, std::vector<IPoint>& points);
 // reached beyond the bounds of the points before it may stay hidden. Shows its progress unless
 // `quiet`. Throws std::bad_alloc.
 // REQUIRES: WhyNoSurface has nothing to say; the points lie inside `bounds`.
-std::unique_ptr<TIN> BuildSurface(std::vector<IPoint>& points, bool keep_order,
-                                  std::optional<Box> const& bounds, bool quiet);
+HeldSurface BuildSurface(std::vector<IPoint>& points, bool keep_order,
+                         std::optional<Box> const& bounds, bool quiet);
 
 // Throws Failure, in the name of `file`, where the surface shows no triangle.
 void RequireVisible(TIN const& tin, std::string const& file);

@@ -24,11 +24,11 @@ namespace {
 std::string WhyNotLoaded(std::string const& name, FileKind kind) {
   std::wstring const wide = FromUtf8(name);
   TINFile file;
-  TIN tin;
+  HeldSurface const scratch = MakeEmpty(1, {}, {});
   if (kind == FileKind::NATIVE) {
-    file.LoadTIN(wide.c_str(), tin);
+    file.LoadTIN(wide.c_str(), *scratch);
   } else {
-    file.LoadTrimbleTINModel(wide.c_str(), tin);
+    file.LoadTrimbleTINModel(wide.c_str(), *scratch);
   }
   if (file.LastError() != 0) return SystemReason(file.LastError());
   switch (file.LastFault()) {
@@ -44,17 +44,15 @@ std::string WhyNotLoaded(std::string const& name, FileKind kind) {
   return "is of a kind that the library does not read";
 }
 
-std::unique_ptr<TIN> LoadStored(std::string const& name, InputOptions const& options) {
+HeldSurface LoadStored(std::string const& name, InputOptions const& options) {
   StoredFile const file = LookAt(name);
   std::chrono::duration<double> const guess(file.bytes * 5e-9);
   Progress const progress("load", guess, options.quiet);
   // The library rewrites a file of an older version beside itself.
   std::optional<HoldInterrupts> hold;
   if (file.version >= 0 && file.version < TINFile::m_iCurrentVersion) hold.emplace();
-  auto tin = std::make_unique<TIN>();
-  if (!tin->Load(FromUtf8(name).c_str())) {
-    throw Failure(name, WhyNotLoaded(name, KindByName(name)));
-  }
+  HeldSurface tin = OpenStored(FromUtf8(name).c_str());
+  if (tin == nullptr) throw Failure(name, WhyNotLoaded(name, KindByName(name)));
   if (LookAt(name).version > file.version) {
     options.Note(name + ": was of version " + std::to_string(file.version) +
                  " and has been rewritten as version " +
@@ -63,19 +61,19 @@ std::unique_ptr<TIN> LoadStored(std::string const& name, InputOptions const& opt
   return tin;
 }
 
-std::unique_ptr<TIN> BuildFromPoints(std::string const& name, InputOptions const& options) {
+HeldSurface BuildFromPoints(std::string const& name, InputOptions const& options) {
   std::vector<IPoint> points;
   AppendPoints(name, options, points);
   std::string const why = WhyNoSurface(points);
   if (!why.empty()) throw Failure(name, why);
-  std::unique_ptr<TIN> tin = BuildSurface(points, false, {}, options.quiet);
+  HeldSurface tin = BuildSurface(points, false, {}, options.quiet);
   RequireVisible(*tin, name);
   return tin;
 }
 
 void ReadStoredPoints(std::string const& name, InputOptions const& options,
                       std::function<void(IPoint const&)> const& take) {
-  std::unique_ptr<TIN> const tin = LoadStored(name, options);
+  HeldSurface const tin = LoadStored(name, options);
   Box world;
   tin->GetWorldBounds(world.min, world.max);
   for (int i = 0; i < tin->GetNumberOfPoints(); ++i) {
@@ -135,7 +133,7 @@ void InputOptions::AddTo(CLI::App& command) {
   CommonOptions::AddTo(command);
 }
 
-std::unique_ptr<TIN> OpenSurface(std::string const& name, InputOptions const& options) {
+HeldSurface OpenSurface(std::string const& name, InputOptions const& options) {
   return IsStoredSurface(KindOf(name)) ? LoadStored(name, options) : BuildFromPoints(name, options);
 }
 

@@ -2,13 +2,12 @@
 
 #include <bitset>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "apps/qeltin/HeldSurface.h"
 #include "apps/qeltin/Options.h"
-#include "qeltin/tin/TIN.h"
 
 namespace qeltin::cli {
 
@@ -27,7 +26,7 @@ struct InputOptions : CommonOptions {
 
 // Loads the surface in a stored file, or builds that of a file of points. Throws Failure where
 // there is none.
-std::unique_ptr<TIN> OpenSurface(std::string const& name, InputOptions const& options);
+HeldSurface OpenSurface(std::string const& name, InputOptions const& options);
 
 // Hands every point of a file to `take`, in their order: of a stored surface, the data points.
 // Throws Failure.

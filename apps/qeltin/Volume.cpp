@@ -160,7 +160,7 @@ void Run(VolumeOptions const& options) {
   }
   options.Step();
   std::vector<TPolygon> const polygons = ReadPolygons(options.polygons);
-  std::unique_ptr<TIN> const tin = OpenSurface(options.surface, options);
+  HeldSurface const tin = OpenSurface(options.surface, options);
   if (FactsOf(*tin).visible_triangles == 0) {
     throw Failure(options.surface, "has no visible triangle");
   }
