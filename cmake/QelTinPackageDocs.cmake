@@ -1,5 +1,5 @@
 # Runs inside cpack on the staged packages: compresses manual pages, and adds the copyright and the
-# changelog that Debian asks of each.
+# changelogs that Debian asks of each.
 
 find_program(gzip gzip REQUIRED)
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
@@ -11,7 +11,8 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
 
   set(doc ${root}/share/doc/${package})
-  configure_file(${CPACK_QELTIN_LICENSE} ${doc}/copyright COPYONLY)
+  configure_file(${CPACK_QELTIN_SOURCE}/LICENSE ${doc}/copyright COPYONLY)
+  configure_file(${CPACK_QELTIN_SOURCE}/CHANGELOG.md ${doc}/changelog COPYONLY)
   file(WRITE ${doc}/changelog.Debian "qeltin (${version}) unstable; urgency=medium
 
   * Packaged from a build of this version.
@@ -19,6 +20,6 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")
   file(GLOB manuals ${root}/share/man/man1/*.1)
-  execute_process(COMMAND ${gzip} -9nf ${doc}/changelog.Debian ${manuals}
+  execute_process(COMMAND ${gzip} -9nf ${doc}/changelog ${doc}/changelog.Debian ${manuals}
     COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
