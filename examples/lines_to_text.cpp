@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr double WIDTH = 320.0;  // of the page, in metres
-constexpr double HEIGHT = 200.0;
-constexpr double COLUMN = 5.0;  // metres a letter
+constexpr int COLUMNS = 64;
+constexpr int ROWS = 20;
+constexpr double COLUMN = 5.0;  // metres
 constexpr double ROW = 10.0;
 
 // Puts `letter` wherever the line passes.
@@ -22,10 +22,11 @@ void Draw(Line const& line, char letter, std::vector<std::string>& picture) {
   double const dy = line.end.y - line.start.y;
   int const steps = 1 + static_cast<int>(std::hypot(dx, dy));
   for (int i = 0; i <= steps; ++i) {
-    double const column = std::floor((line.start.x + dx * i / steps) / COLUMN);
-    double const row = std::floor((HEIGHT - line.start.y - dy * i / steps) / ROW);
-    if (row < 0 || row >= picture.size() || column < 0 || column >= picture[0].size()) continue;
-    picture[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = letter;
+    double const x = line.start.x + dx * i / steps;
+    double const y = line.start.y + dy * i / steps;
+    int const column = static_cast<int>(std::floor(x / COLUMN));
+    int const row = ROWS - 1 - static_cast<int>(std::floor(y / ROW));
+    if (row >= 0 && row < ROWS && column >= 0 && column < COLUMNS) picture[row][column] = letter;
   }
 }
 
@@ -57,9 +58,8 @@ int main() {
 
   Page page;
   page.SetBottomLeft(Point(0.0, 0.0, 0.0));
-  page.SetTopRight(Point(WIDTH, HEIGHT, 0.0));
-  std::vector<std::string> picture(static_cast<std::size_t>(HEIGHT / ROW),
-                                   std::string(static_cast<std::size_t>(WIDTH / COLUMN), ' '));
+  page.SetTopRight(Point(COLUMNS * COLUMN, ROWS * ROW, 0.0));
+  std::vector<std::string> picture(ROWS, std::string(COLUMNS, ' '));
   for (int i = 0; i < list->GetNumLines(); ++i) {
     CLine& line = *list->GetLine(i);
     std::vector<Line> pieces;
@@ -68,8 +68,9 @@ int main() {
     std::printf("%ls, in %ls, as %zu pieces\n", line.GetName(), line.GetDataFileName(),
                 pieces.size());
   }
-  for (std::string const& row : picture)
+  for (std::string const& row : picture) {
     std::printf("%s\n", row.substr(0, row.find_last_not_of(' ') + 1).c_str());
+  }
 
   manager.DestroyLineList(list);
   return 0;

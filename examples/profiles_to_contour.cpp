@@ -30,7 +30,9 @@ std::list<CProfile> LoadProfiles(char const* file) {
     } else if (std::istringstream(row) >> x >> y >> z >> time && !profiles.empty()) {
       CProfile& profile = profiles.back();
       distance = profile.GetNumPoints() == 0 ? 0 : distance + std::hypot(x - last_x, y - last_y);
-      profile.AddSounding(last_x = x, last_y = y, z, distance, time);
+      profile.AddSounding(x, y, z, distance, time);
+      last_x = x;
+      last_y = y;
     }
   }
   for (CProfile& profile : profiles) profile.SetExtentsFromPoints();
