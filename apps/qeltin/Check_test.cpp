@@ -91,6 +91,7 @@ class Check : public CommandTest {
   void ExpectSound(std::string const& bytes) const {
     Json const told = Told(bytes);
     EXPECT_TRUE(told["sound"]) << told;
+    EXPECT_TRUE(told["delaunay"]);
     EXPECT_EQ(told["remarks"], Json::array());
   }
 
@@ -230,15 +231,37 @@ TEST_F(Check, OnePointAsTwoCorners) {
             (Json{{"kind", "repeated_corner"}, {"count", 1}, {"triangle", 1}, {"place", {0, 0}}}));
 }
 
-TEST_F(Check, PointsInsideTheCircleOfANeighbour) {
+TEST_F(Check, SidesThatAreNotDelaunayAreARemark) {
   for (int const version : {1, 2, 3}) {
     NativeModel model = Square();
     model.points[3] = {9.999, 0.001, 4};
-    ExpectFault(NativeFile(version, model),
-                {{"kind", "not_delaunay"}, {"count", 1}, {"triangle", 0}, {"place", {0, 0}}});
+    Json const told = Told(NativeFile(version, model));
+    EXPECT_TRUE(told["sound"]);
+    EXPECT_FALSE(told["delaunay"]);
+    EXPECT_EQ(told["remarks"],
+              (Json{{{"kind", "not_delaunay"}, {"count", 1}, {"triangle", 0}, {"place", {0, 0}}}}));
     model.points[3] = {10.001, -0.001, 4};
     ExpectSound(NativeFile(version, model));
   }
+}
+
+TEST_F(Check, PeopleAreToldOfSidesThatAreNotDelaunay) {
+  NativeModel model = Square();
+  model.points[3] = {9, 1, 4};
+  m_Folder.Put("s.tin", NativeFile(3, model));
+  std::string const told = MustRun({"info", "--check", "s.tin"}).out;
+  EXPECT_THAT(told, HasSubstr("sound, not Delaunay everywhere\n"));
+  EXPECT_THAT(told, HasSubstr("remark: sides that are not Delaunay  1, first triangle 0 at 0 0\n"));
+}
+
+TEST_F(Check, AThinnedSurfaceIsSound) {
+  MustRun({"sample", "--points", "3000", "-o", "in.xyz", "-q"});
+  MustRun({"build", "in.xyz", "-o", "in.tin", "-q"});
+  MustRun({"decimate", "in.tin", "--max-error", "0.3", "-o", "s.tin", "-q"});
+  Json const told = Told(m_Folder.Get("s.tin"));
+  EXPECT_TRUE(told["sound"]) << told;
+  EXPECT_FALSE(told["delaunay"]);
+  ExpectSound(m_Folder.Get("in.tin"));
 }
 
 TEST_F(Check, ACircleIsJudgedUpToItsRounding) {
@@ -248,7 +271,7 @@ TEST_F(Check, ACircleIsJudgedUpToItsRounding) {
   model.points[3].x -= 1e-9;
   ExpectSound(NativeFile(3, model));
   model.points[3].x -= 1e-2;
-  EXPECT_EQ(Told(NativeFile(3, model))["faults"][0]["kind"], "not_delaunay");
+  EXPECT_FALSE(Told(NativeFile(3, model))["delaunay"]);
 }
 
 TEST_F(Check, FlagsThatNoTriangleAtRestHas) {

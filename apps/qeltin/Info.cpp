@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -96,6 +97,11 @@ Json ToJson(Finding const& finding, NumberStyle style) {
   return json;
 }
 
+bool IsDelaunay(std::vector<Finding> const& findings) {
+  return std::none_of(findings.begin(), findings.end(),
+                      [](Finding const& finding) { return finding.flaw == Flaw::NOT_DELAUNAY; });
+}
+
 // Adds what was found. Returns how many kinds of fault there are.
 int AddFindings(Answer& answer, std::vector<Finding> const& findings, FileKind kind,
                 NumberStyle style) {
@@ -105,8 +111,14 @@ int AddFindings(Answer& answer, std::vector<Finding> const& findings, FileKind k
     (IsFault(finding.flaw, kind) ? faults : remarks).push_back(ToJson(finding, style));
   }
   int const count = static_cast<int>(faults.size());
-  answer.Add("check", "check", count == 0 ? "sound" : "not sound",
-             {{"sound", count == 0}, {"faults", faults}, {"remarks", remarks}});
+  std::string text = count == 0 ? "sound" : "not sound";
+  Json json = {{"sound", count == 0}, {"faults", faults}, {"remarks", remarks}};
+  if (IsStoredSurface(kind)) {
+    bool const delaunay = IsDelaunay(findings);
+    if (!delaunay) text += ", not Delaunay everywhere";
+    json["delaunay"] = delaunay;
+  }
+  answer.Add("check", "check", text, json);
   for (bool const wanted : {true, false}) {
     for (Finding const& finding : findings) {
       if (IsFault(finding.flaw, kind) != wanted) continue;
@@ -237,10 +249,10 @@ void AddInfo(CLI::App& application) {
       "With --check the exit status is 1 where the structure is not sound; each kind of\n"
       "fault is told with its number and its first place, counted from 0: the file cut\n"
       "short; corners or neighbours that the file does not have; neighbours that do not\n"
-      "lead back or share no side; triangles that run counter-clockwise; points inside the\n"
-      "circle of a triangle beside them, beyond rounding. Duplicate and unconnected points\n"
-      "and flat triangles are remarks. In a Trimble model so are triangles that run\n"
-      "counter-clockwise or are not Delaunay.");
+      "lead back or share no side; triangles that run counter-clockwise, except in a\n"
+      "Trimble model. Duplicate and unconnected points and flat triangles are remarks. So\n"
+      "are sides that are not Delaunay, as thinning and breaklines leave them: a point\n"
+      "inside the circle of the triangle beside it, beyond rounding.");
   command->callback([options] { Run(*options); });
 }
 

@@ -34,7 +34,7 @@ constexpr Description DESCRIPTIONS[] = {
     {"other_side", "neighbours across a side that they do not share", true, true},
     {"unlinked", "shared sides without neighbours", true, true},
     {"stored_circle", "stored circles that do not fit the corners", true, true},
-    {"not_delaunay", "sides with the point beyond inside the circle", true, false},
+    {"not_delaunay", "sides that are not Delaunay", false, false},
     {"flags", "triangles with unknown flags", true, true},
     {"start_point", "start points without a triangle", true, true},
     {"border_entry", "border entries without a triangle", true, true},

@@ -52,9 +52,9 @@ char const* WordFor(Flaw flaw);
 char const* MeaningOf(Flaw flaw);
 
 // Returns true iff a surface of this kind with such a flaw is unsound. Flat triangles, duplicate
-// points and points without a triangle never make it so, as building leaves them. A Trimble model
-// keeps its own breaklines and turning, so that there a triangle may run counter-clockwise and need
-// not be Delaunay.
+// points and points without a triangle never make it so, as building leaves them; nor do sides that
+// are not Delaunay, as thinning and breaklines leave them. A Trimble model keeps its own turning,
+// so that there a triangle may run counter-clockwise.
 bool IsFault(Flaw flaw, FileKind kind);
 
 // Looks at a whole surface and returns what was found, nothing twice. Time goes with n log n.
