@@ -257,11 +257,9 @@ TEST_F(Check, PeopleAreToldOfSidesThatAreNotDelaunay) {
 TEST_F(Check, AThinnedSurfaceIsSound) {
   MustRun({"sample", "--points", "3000", "-o", "in.xyz", "-q"});
   MustRun({"build", "in.xyz", "-o", "in.tin", "-q"});
-  MustRun({"decimate", "in.tin", "--max-error", "0.3", "-o", "s.tin", "-q"});
+  MustRun({"decimate", "in.tin", "--max-error", "0.1", "-o", "s.tin", "-q"});
   Json const told = Told(m_Folder.Get("s.tin"));
   EXPECT_TRUE(told["sound"]) << told;
-  EXPECT_FALSE(told["delaunay"]);
-  ExpectSound(m_Folder.Get("in.tin"));
 }
 
 TEST_F(Check, ACircleIsJudgedUpToItsRounding) {

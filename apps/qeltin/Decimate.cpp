@@ -8,8 +8,10 @@
 #include "apps/qeltin/DraftFile.h"
 #include "apps/qeltin/Failure.h"
 #include "apps/qeltin/HeightDifference.h"
+#include "apps/qeltin/PlaneDistances.h"
 #include "apps/qeltin/SurfaceOutput.h"
 #include "apps/qeltin/Thinning.h"
+#include "qeltin/decimate/LocalFrame.h"
 
 namespace qeltin::cli {
 
@@ -76,28 +78,47 @@ ThinningOptions ParseOptions(DecimateOptions const& options) {
   return thinning;
 }
 
-// Makes runs with growing errors, up to `ceiling`, until `surplus` points have gone or nothing more
-// may go. The error of the first one is that of `thinning`.
-void ThinTo(int surplus, float ceiling, ThinningOptions const& thinning, Thinning& runs) {
-  constexpr float GROWTH = 1.25f;
+// Returns the error that about `wanted` of `left` points pass, or a third of those that any error
+// lets go: the fewer go at once, the closer the surface stays to those that have gone.
+float ErrorFor(int wanted, int left, TIN const& tin) {
+  constexpr double MOST_AT_ONCE = 1.0 / 3.0;
+  std::vector<double> distances = SampleDistances(tin);
+  auto const all = static_cast<double>(distances.size());
+  auto const infinite = std::lower_bound(distances.begin(), distances.end(), HUGE_VAL);
+  distances.erase(infinite, distances.end());
+  if (distances.empty()) return 0.0f;
+  auto const finite = static_cast<double>(distances.size());
+  double const rank = std::min((wanted + KEPT_AT_START) * all / left, finite * MOST_AT_ONCE);
+  double const error = distances[static_cast<std::size_t>(std::min(rank, finite - 1.0))];
+  return std::nextafter(static_cast<float>(error), HUGE_VALF);
+}
+
+// Makes runs with growing errors, up to the largest of `thinning`, until `target` of `vertices`
+// points are left or nothing more may go.
+void ThinTo(int target, int vertices, ThinningOptions const& thinning, TIN const& tin,
+            Thinning& runs) {
+  constexpr float LEAST_GROWTH = 1.5f;  // after a run in which little has gone
+  constexpr int LITTLE = 20;            // a share of 1 to so many
+  float const ceiling = thinning.max_error;
   ThinningOptions run = thinning;
-  run.max_error = std::min(thinning.min_error, ceiling);
-  while (surplus > 0) {
+  float least = thinning.min_error;
+  for (int left = vertices; left > target;) {
+    run.max_error = std::min(ceiling, std::max(least, ErrorFor(left - target, left, tin)));
     run.min_error = run.max_error;
-    int const removed = runs.Run(run, surplus);
+    int const removed = runs.Run(run, left - target);
+    bool const few = removed < (left - target) / LITTLE || removed == 0;
     if (removed == 0 && run.max_error == ceiling) return;
-    surplus -= removed;
-    run.max_error = std::min(run.max_error * GROWTH, ceiling);
+    left -= removed;
+    least = run.max_error * (few ? LEAST_GROWTH : 1.0f);
   }
 }
 
 void ThinToTarget(DecimateOptions const& options, ThinningOptions thinning,
-                  SurfaceFacts const& facts, Thinning& runs) {
-  constexpr float FIRST_SHARE = 1e-4f;  // of the range of heights
-  auto const range = static_cast<float>(facts.highest - facts.lowest);
-  float const ceiling = options.max_error.empty() ? range : thinning.max_error;
-  if (options.min_error.empty()) thinning.min_error = range * FIRST_SHARE;
-  ThinTo(facts.vertices - options.target, ceiling, thinning, runs);
+                  SurfaceFacts const& facts, TIN const& tin, Thinning& runs) {
+  if (options.max_error.empty()) {
+    thinning.max_error = static_cast<float>(facts.highest - facts.lowest);
+  }
+  ThinTo(options.target, facts.vertices, thinning, tin, runs);
 }
 
 Result Thin(TIN& tin, DecimateOptions const& options, ThinningOptions const& thinning) {
@@ -109,8 +130,10 @@ Result Thin(TIN& tin, DecimateOptions const& options, ThinningOptions const& thi
   std::vector<TPoint> const vertices = VerticesOf(tin);
   Thinning runs(tin, options.quiet);
   try {
+    LocalFrame const frame(tin);
+    runs.Prepare();
     if (options.target > 0) {
-      ThinToTarget(options, thinning, result.before, runs);
+      ThinToTarget(options, thinning, result.before, tin, runs);
     } else {
       runs.Run(thinning, {});
     }

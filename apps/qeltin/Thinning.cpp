@@ -17,7 +17,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr unsigned int PROGRESS = 1;
-constexpr int KEPT_AT_START = 4;  // candidates that no pass removes
+constexpr int NEAR = 20000;  // points to go from which on every look counts
+
+class WaitingDecimator : public Decimator {
+ public:
+  using Decimator::WaitForEnd;
+};
 
 bool IsEnd(PlatformMessage const& message) {
   return static_cast<std::int64_t>(message.wParam) == -1 && message.lParam == -1;
@@ -64,18 +69,21 @@ void Watch(Decimator& decimator, MessageTarget& window, Progress& progress,
            std::optional<int> surplus) {
   RemovalCount removed;
   DecimationInfo info;
+  int left = surplus.value_or(0);
   int ends = 0;
   while (true) {
-    bool const near = surplus && !info.evaluating && ends == 0;
+    bool const near = !info.evaluating && left < NEAR;
     PlatformMessage message;
-    if (window.Wait(message, near ? 0ms : surplus && ends == 0 ? 1ms : 50ms) && IsEnd(message)) {
+    if (window.Wait(message, !surplus ? 50ms : near ? 0ms : 1ms) && IsEnd(message)) {
       // A pass may tell an end that is none, but only once.
       if (++ends == 2 && decimator.NumberOfPasses() == 1) return;
       continue;
     }
     if (!decimator.GetDecimationInfo(info)) return;
     progress.Done(ShareOf(info));
-    if (surplus && removed.Count(info) >= *surplus) decimator.Stop();
+    if (!surplus) continue;
+    left = *surplus - removed.Count(info);
+    if (left <= 0) return decimator.Stop();
   }
 }
 
@@ -83,7 +91,7 @@ void Watch(Decimator& decimator, MessageTarget& window, Progress& progress,
 
 int Thinning::Run(ThinningOptions const& options, std::optional<int> surplus) {
   MessageTarget window;
-  Decimator decimator;
+  WaitingDecimator decimator;
   Set(decimator, options);
   decimator.SetSource(&m_Tin);
   decimator.SetProgressHandler(&window, PROGRESS);
@@ -93,6 +101,7 @@ int Thinning::Run(ThinningOptions const& options, std::optional<int> surplus) {
     Progress progress("thin", 1.0, m_bQuiet);
     Watch(decimator, window, progress, surplus);
   }
+  decimator.WaitForEnd();
   int const removed = before - m_Tin.GetMap().GetNumberOfPoints();
   Merge(decimator.GetErrorStat(), m_Distances);
   ++m_iRuns;

@@ -8,6 +8,9 @@
 
 namespace qeltin::cli {
 
+// So many candidates no pass removes, its first ones.
+inline constexpr int KEPT_AT_START = 4;
+
 struct ThinningOptions {
   int passes = 1;
   float min_error = 0.0f;
@@ -23,6 +26,9 @@ class Thinning {
  public:
   // Neither is kept longer than this object. `quiet` is about the progress bar.
   Thinning(TIN& tin, bool quiet) : m_Tin(tin), m_bQuiet(quiet) {}
+
+  // Makes the surface fit for a run: a model may run counter-clockwise, and then does no more.
+  void Prepare() { m_Tin.Compact(); }
 
   // Makes one run, whose first pass has the least and whose last pass the largest error and angle,
   // and mends the structure. With a `surplus`, ends as soon as so many points have gone. Returns

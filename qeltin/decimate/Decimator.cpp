@@ -2,12 +2,17 @@
 
 #include <chrono>
 
+#include "qeltin/tin/FanPrefetch.h"
+
 using namespace std::chrono_literals;
+using qeltin::detail::FanPrefetch;
 
 namespace {
 
+// The event changes under the lock alone: a wait inside it decides nothing, but gives the step that
+// is under way the time to end before a host is told that no run is.
 constexpr auto HOST_WAIT = 100ms;
-constexpr auto WORKER_WAIT = 10ms;
+constexpr auto NO_WAIT = 0ms;
 constexpr int FIRST_INDEX = 4;  // of both phases
 
 // The single-precision values of pi / 180 and 180 / pi.
@@ -69,7 +74,7 @@ int Decimator::Decimate() {
   if (m_pSource == nullptr || m_iNumberOfPasses == 0) return -1;
   {
     std::lock_guard const lock(m_Lock);
-    if (m_Running.Wait(HOST_WAIT)) return m_iMapSize;
+    if (m_Running.Wait(NO_WAIT)) return m_iMapSize;
   }
   WaitForEnd();  // of the thread of a run that is over
   m_pSource->BuildPointMap();
@@ -112,7 +117,7 @@ bool Decimator::GetDecimationInfo(DecimationInfo& info) const {
 int Decimator::ThreadFunction() {
   {
     std::lock_guard const lock(m_Lock);
-    if (!m_Running.Wait(WORKER_WAIT)) {
+    if (!m_Running.Wait(NO_WAIT)) {
       m_Candidates.clear();
       PostEnd();
       return 0;
@@ -130,12 +135,18 @@ int Decimator::ThreadFunction() {
 
 void Decimator::Evaluate() {
   if (m_iIndex >= m_pSource->GetNumberOfPoints()) return;
+  FanPrefetch::Run(m_pSource->GetMap(), m_iIndex, m_pSource->GetNumberOfPoints(),
+                   [this](int i) { return m_pSource->GetPoint(i); });
   TPoint* const point = m_pSource->GetPoint(m_iIndex);
   if (MayGo(point)) m_Candidates.push_back(point);
 }
 
 bool Decimator::MayGo(TPoint const* point) {
   if (m_pSource->GetMap().FindPoint(point).NumberOfTriangles() == 0) return false;
+  // Inside, and with edges preserved, all classes but one are tested alike.
+  if (m_bPreserveEdges && FanCloses(point) && !m_pSource->PointIsOnHull(point)) {
+    return PassDistanceToPlane(m_iIndex);
+  }
   switch (VERTEX_TYPE const type = GetPointOrientation(point)) {
     case VERTEX_TWO_SMOOTH:
       return m_bPreserveEdges ? PassDistanceToPlane(m_iIndex) : PassDistanceToLine(m_iIndex, type);
@@ -152,7 +163,10 @@ bool Decimator::MayGo(TPoint const* point) {
 
 void Decimator::RemoveCandidate() {
   auto const index = static_cast<std::size_t>(m_iIndex);
-  if (index < m_Candidates.size()) m_pSource->RemovePoint(m_Candidates[index]);
+  if (index >= m_Candidates.size()) return;
+  FanPrefetch::Run(m_pSource->GetMap(), m_iIndex, static_cast<int>(m_Candidates.size()),
+                   [this](int i) { return m_Candidates[static_cast<std::size_t>(i)]; });
+  m_pSource->RemovePoint(m_Candidates[index]);
 }
 
 void Decimator::FinishStep() {

@@ -48,6 +48,8 @@ struct DecimationInfo {
 // grew point by point these first four are the seed corners, and the first four candidates of every
 // pass stay in the surface.
 //
+// Distances keep their digits near to the origin only: see LocalFrame for projected coordinates.
+//
 // Afterwards the surface holds points and triangles that are no longer part of its structure;
 // TIN::Compact drops them.
 //
@@ -113,7 +115,7 @@ class QELTIN_API Decimator : public BaseWorkerThread {
   // source. Where a run is under way, leaves it alone and returns the number as it stands.
   //
   // An increment that is 0 is set to the range of its threshold over the number of passes, and
-  // stays so for later runs. Takes 100 ms more where no run is under way.
+  // stays so for later runs.
   int Decimate();
 
   // Ends a run after the step that is under way. What is removed stays removed.
@@ -152,6 +154,9 @@ class QELTIN_API Decimator : public BaseWorkerThread {
   void PostEnd();
 
   VERTEX_TYPE GetPointOrientation(TPoint const* point) const;
+
+  // Returns true iff the triangles join up around the point: then it is not VERTEX_UNRESOLVED.
+  bool FanCloses(TPoint const* point) const;
 
   // Return whether the point at `index` of the live order may go. The test against the plane enters
   // an accepted distance into the statistics; that against the line does not.

@@ -43,6 +43,17 @@ VERTEX_TYPE Decimator::GetPointOrientation(TPoint const* point) const {
   return VERTEX_UNRESOLVED;
 }
 
+bool Decimator::FanCloses(TPoint const* point) const {
+  TTriangle* const first = FirstTriangleOf(*m_pSource, point);
+  if (first == nullptr) return false;
+  qeltin::detail::FanWalk walk(*point, first);
+  do {
+    if (walk.Next() == nullptr) return false;
+    if (walk.IsNextTheFirst()) return true;
+  } while (walk.Step(0));
+  return false;
+}
+
 bool Decimator::PassDistanceToPlane(int index) {
   TPoint const* const point = m_pSource->GetPoint(index);
   if (!m_pSource->GetNeighbours(point, m_Neighbours)) return false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace qeltin::detail {
 
@@ -9,11 +10,13 @@ namespace {
 
 constexpr double SMALLEST_PIVOT = 1e-15;
 
-void SwapRows(double* m, std::ptrdiff_t a, std::ptrdiff_t b, std::ptrdiff_t n) {
+template <typename Size>
+void SwapRows(double* m, std::ptrdiff_t a, std::ptrdiff_t b, Size n) {
   std::swap_ranges(m + a * n, m + a * n + n, m + b * n);
 }
 
-bool Factorise(double* w, std::ptrdiff_t* order, std::ptrdiff_t n) {
+template <typename Size>
+bool Factorise(double* w, std::ptrdiff_t* order, Size n) {
   for (std::ptrdiff_t k = 0; k < n; ++k) {
     std::ptrdiff_t best = k;
     double largest = std::fabs(w[k * n + k]);
@@ -38,7 +41,8 @@ bool Factorise(double* w, std::ptrdiff_t* order, std::ptrdiff_t n) {
 }
 
 // Brings the rows into the order of the pivots. One sweep leaves nothing to do.
-void Permute(double* r, std::ptrdiff_t* order, std::ptrdiff_t n) {
+template <typename Size>
+void Permute(double* r, std::ptrdiff_t* order, Size n) {
   for (std::ptrdiff_t i = 0; i < n - 1; ++i) {
     if (order[i] == i) continue;
     SwapRows(r, i, order[i], n);
@@ -49,7 +53,8 @@ void Permute(double* r, std::ptrdiff_t* order, std::ptrdiff_t n) {
   }
 }
 
-void Substitute(double const* w, double* r, std::ptrdiff_t n) {
+template <typename Size>
+void Substitute(double const* w, double* r, Size n) {
   for (std::ptrdiff_t c = 0; c < n; ++c) {
     for (std::ptrdiff_t i = 0; i < n; ++i) {
       for (std::ptrdiff_t j = i - 1; j >= 0; --j) r[i * n + c] -= r[j * n + c] * w[i * n + j];
@@ -63,9 +68,8 @@ void Substitute(double const* w, double* r, std::ptrdiff_t n) {
   }
 }
 
-}  // namespace
-
-bool Invert(double* work, double* inverse, std::ptrdiff_t* order, std::ptrdiff_t n) {
+template <typename Size>
+bool InvertBy(double* work, double* inverse, std::ptrdiff_t* order, Size n) {
   for (std::ptrdiff_t i = 0; i < n; ++i) {
     order[i] = i;
     for (std::ptrdiff_t j = 0; j < n; ++j) inverse[i * n + j] = i == j ? 1.0 : 0.0;
@@ -74,6 +78,17 @@ bool Invert(double* work, double* inverse, std::ptrdiff_t* order, std::ptrdiff_t
   Permute(inverse, order, n);
   Substitute(work, inverse, n);
   return true;
+}
+
+}  // namespace
+
+bool Invert(double* work, double* inverse, std::ptrdiff_t* order, std::ptrdiff_t n) {
+  return InvertBy(work, inverse, order, n);
+}
+
+bool Invert3(double* work, double* inverse) {
+  std::ptrdiff_t order[3];
+  return InvertBy(work, inverse, order, std::integral_constant<std::ptrdiff_t, 3>());
 }
 
 }  // namespace qeltin::detail

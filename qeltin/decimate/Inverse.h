@@ -11,4 +11,7 @@ namespace qeltin::detail {
 // Golub and C. F. Van Loan, "Matrix Computations", section 3.4.
 bool Invert(double* work, double* inverse, std::ptrdiff_t* order, std::ptrdiff_t n);
 
+// The same for 3 by 3.
+bool Invert3(double* work, double* inverse);
+
 }  // namespace qeltin::detail

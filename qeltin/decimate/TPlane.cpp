@@ -19,13 +19,15 @@ int TPlane::Fit(std::vector<TPoint*> const& points) {
   for (TPoint const* p : points) {
     double const row[3] = {p->x, p->y, 1.0};
     for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) normal[i * 3 + j] += row[i] * row[j];
+      for (int j = i; j < 3; ++j) normal[i * 3 + j] += row[i] * row[j];
       right[i] += row[i] * p->z;
     }
   }
+  for (int i = 1; i < 3; ++i) {
+    for (int j = 0; j < i; ++j) normal[i * 3 + j] = normal[j * 3 + i];
+  }
   double inverse[9];
-  std::ptrdiff_t order[3];
-  if (!qeltin::detail::Invert(normal, inverse, order, 3)) return 0;
+  if (!qeltin::detail::Invert3(normal, inverse)) return 0;
   double plane[3];
   for (int i = 0; i < 3; ++i) {
     plane[i] = 0.0;

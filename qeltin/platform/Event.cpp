@@ -16,6 +16,7 @@ void Event::Reset() {
 }
 
 bool Event::Wait(std::chrono::milliseconds limit) const {
+  if (m_bSignalled) return true;
   std::unique_lock lock(m_Mutex);
-  return m_bSignalled || m_Signalled.wait_for(lock, limit, [this] { return m_bSignalled; });
+  return m_Signalled.wait_for(lock, limit, [this] { return m_bSignalled.load(); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -24,7 +25,7 @@ class QELTIN_API Event {
   bool Wait(std::chrono::milliseconds limit) const;
 
  private:
-  mutable std::mutex m_Mutex;  // guards all below
+  mutable std::mutex m_Mutex;  // guards the writes of all below
   mutable std::condition_variable m_Signalled;
-  bool m_bSignalled = false;
+  std::atomic<bool> m_bSignalled = false;
 };

@@ -37,6 +37,7 @@ bool Compaction::Run() {
   ListFaces();
   if (m_Mesh.Faces().empty()) return false;
   m_Mesh.SetSeedCorners(SeedCorners());
+  m_Mesh.TurnOver();
   if (!m_Mesh.IsSound() && !m_Mesh.Mend()) return false;
   if (!MakePools()) return false;
   FillPoints();

@@ -79,30 +79,50 @@ bool FaceMesh::IsSeedCorner(int vertex) const {
   return std::find(m_SeedCorners.begin(), m_SeedCorners.end(), vertex) != m_SeedCorners.end();
 }
 
-void FaceMesh::DropAllButTheLargestPart() {
-  std::vector<int> part(m_Faces.size(), NONE);
-  std::vector<int> sizes;
+// Numbers the parts that neighbours join. Returns how many there are.
+int FaceMesh::NumberParts(std::vector<int>& part) const {
+  part.assign(m_Faces.size(), NONE);
+  int parts = 0;
   std::vector<std::size_t> open;
   for (std::size_t i = 0; i < m_Faces.size(); ++i) {
     if (m_Faces[i].dropped || part[i] != NONE) continue;
-    auto const number = static_cast<int>(sizes.size());
-    sizes.push_back(0);
-    part[i] = number;
+    part[i] = parts;
     open.push_back(i);
     while (!open.empty()) {
       Face const& face = m_Faces[open.back()];
       open.pop_back();
-      ++sizes.back();
       for (int neighbour : face.adjacent) {
         if (neighbour < 0 || part[static_cast<std::size_t>(neighbour)] != NONE) continue;
-        part[static_cast<std::size_t>(neighbour)] = number;
+        part[static_cast<std::size_t>(neighbour)] = parts;
         open.push_back(static_cast<std::size_t>(neighbour));
       }
     }
+    ++parts;
+  }
+  return parts;
+}
+
+void FaceMesh::DropAllButTheLargestPart() {
+  std::vector<int> part;
+  std::vector<int> sizes(static_cast<std::size_t>(NumberParts(part)));
+  for (int number : part) {
+    if (number != NONE) ++sizes[static_cast<std::size_t>(number)];
   }
   auto const largest = std::max_element(sizes.begin(), sizes.end()) - sizes.begin();
   for (std::size_t i = 0; i < m_Faces.size(); ++i) {
     if (!m_Faces[i].dropped && part[i] != largest) Drop(m_Faces[i]);
+  }
+}
+
+// Drops the parts without a side of the hull.
+void FaceMesh::DropStrayParts() {
+  std::vector<int> part;
+  std::vector<char> kept(static_cast<std::size_t>(NumberParts(part)), false);
+  for (std::size_t i = 0; i < m_Faces.size(); ++i) {
+    if (m_Faces[i].slot == Face::FRAME) kept[static_cast<std::size_t>(part[i])] = true;
+  }
+  for (std::size_t i = 0; i < m_Faces.size(); ++i) {
+    if (!m_Faces[i].dropped && !kept[static_cast<std::size_t>(part[i])]) Drop(m_Faces[i]);
   }
 }
 
@@ -115,6 +135,7 @@ bool FaceMesh::FindLoops(std::vector<Loop>& loops) {
   for (std::size_t i = 0; i < m_Faces.size(); ++i) {
     for (int k = 0; k < 3; ++k) {
       if (m_Faces[i].dropped || m_Faces[i].adjacent[k] >= 0) continue;
+      if (m_bLoose && m_Faces[i].adjacent[k] == Face::HULL) continue;
       auto const side = static_cast<int>(3 * i) + k;
       int& begun = m_Begun[static_cast<std::size_t>(Start(side))];
       simple = simple && begun == NONE;
@@ -136,9 +157,28 @@ bool FaceMesh::FindLoops(std::vector<Loop>& loops) {
       m_Begun[static_cast<std::size_t>(Start(side))] = NONE;
       side = m_Begun[static_cast<std::size_t>(End(side))];
     }
-    loops.push_back(loop);
+    if (m_bLoose && End(loop.back()) != Start(loop.front())) {
+      MakeHull(loop);
+    } else {
+      loops.push_back(loop);
+    }
   }
   return true;
+}
+
+void FaceMesh::MakeHull(Loop const& chain) {
+  for (int side : chain) Across(side) = Face::HULL;
+}
+
+void FaceMesh::TurnOver() {
+  if (std::any_of(m_Faces.begin(), m_Faces.end(),
+                  [this](Face const& face) { return TurnsRight(face); })) {
+    return;
+  }
+  for (Face& face : m_Faces) {
+    std::swap(face.corner[0], face.corner[1]);
+    std::swap(face.adjacent[1], face.adjacent[2]);
+  }
 }
 
 // Returns which of the loops is the seed rectangle, or NONE.

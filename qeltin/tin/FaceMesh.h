@@ -47,9 +47,13 @@ class FaceMesh {
   bool IsSound();
 
   // Replaces the faces that are in the way of soundness, and as many around them as it takes, by
-  // others over the same vertices. Returns true iff the mesh is one sound part in a seed rectangle
-  // now. After a false result the mesh is of no further use.
+  // others over the same vertices. In a seed rectangle one part is left then. Without one, the hull
+  // stays where it was, and where a side of it is lost, what lies behind becomes hull. Returns true
+  // iff the mesh is sound now. After a false result the mesh is of no further use.
   bool Mend();
+
+  // Turns all faces over where none turns right, as a whole surface of a Trimble model may run.
+  void TurnOver();
 
  private:
   static constexpr int NONE = -1;
@@ -66,7 +70,8 @@ class FaceMesh {
   int& Across(int side) { return FaceOf(side).adjacent[side % 3]; }
 
   bool IsTiled();
-  bool AddFrame();
+  void AddFrame();
+  void AddLooseFrame();
   void RemoveFrame();
   bool SortSeedCorners();
   bool HasFlaws() const;
@@ -82,6 +87,9 @@ class FaceMesh {
   bool DropWhatIsInTheWay();
   bool IsSeedCorner(int vertex) const;
   void DropAllButTheLargestPart();
+  void DropStrayParts();
+  int NumberParts(std::vector<int>& part) const;
+  void MakeHull(Loop const& chain);
   bool FindLoops(std::vector<Loop>& loops);
   bool IsPinched(int vertex) const { return m_Begun[static_cast<std::size_t>(vertex)] == PINCHED; }
   bool FillAll(std::vector<Loop> const& loops);
@@ -100,6 +108,7 @@ class FaceMesh {
   std::vector<Face> m_Faces;
   std::vector<int> m_SeedCorners;
   std::vector<int> m_Begun;      // by vertex: the side without neighbour that begins there, or NONE
+  bool m_bLoose = false;         // each side of the hull has a face of the frame to itself
   std::vector<char> m_InTheWay;  // by face that was given: to be dropped before the next try
 };
 

@@ -15,25 +15,26 @@ constexpr std::size_t LARGEST_LOOP = 2000;  // corners; filling takes the cube o
 }  // namespace
 
 bool FaceMesh::Mend() {
-  DropAllButTheLargestPart();
-  if (IsTiled()) return true;
+  bool const seeded = SortSeedCorners();
+  if (seeded) DropAllButTheLargestPart();
+  if (seeded && IsTiled()) return true;
   std::vector<char> lost(static_cast<std::size_t>(m_iSlots), false);
   for (Face const& face : m_Faces) {
     if (face.dropped) continue;
     for (int vertex : face.corner) lost[static_cast<std::size_t>(vertex)] = true;
   }
-  if (!AddFrame()) return false;
+  seeded ? AddFrame() : AddLooseFrame();
   DropFlawed();
   std::size_t const given = m_Faces.size();
 
   for (int round = 0; round < MOST_ROUNDS; ++round) {
-    DropAllButTheLargestPart();
+    seeded ? DropAllButTheLargestPart() : DropStrayParts();
     if (m_Faces.back().dropped) return false;  // one of the frame, which is not joined to the rest
     m_InTheWay.assign(given, false);
     std::vector<Loop> loops;
     if (FindLoops(loops) && FillAll(loops) && InsertVertices(lost)) {
       RemoveFrame();
-      return true;
+      return seeded || IsSound();
     }
     TakeBack(given);
     if (!DropWhatIsInTheWay()) return false;
@@ -43,10 +44,9 @@ bool FaceMesh::Mend() {
 
 // Puts a face beyond each side of the seed rectangle and joins them in a ring, by way of a corner
 // that is nowhere. With them there is no hull, every side without neighbour is one of a hole, and
-// the faces on the sides of the rectangle can be replaced as any other. Returns false without a
-// seed rectangle.
-bool FaceMesh::AddFrame() {
-  if (!SortSeedCorners()) return false;
+// the faces on the sides of the rectangle can be replaced as any other.
+// REQUIRES: a seed rectangle, its corners sorted.
+void FaceMesh::AddFrame() {
   for (Face& face : m_Faces) std::replace(face.adjacent, face.adjacent + 3, Face::HULL, Face::OPEN);
   auto const first = static_cast<int>(m_Faces.size());
   auto const inside = static_cast<std::size_t>(first);
@@ -68,10 +68,27 @@ bool FaceMesh::AddFrame() {
       }
     }
   }
-  return true;
+}
+
+// Puts a face beyond each side of the hull, with the same effect. They do not know each other: each
+// is its own neighbour across the other sides.
+void FaceMesh::AddLooseFrame() {
+  m_bLoose = true;
+  auto const inside = m_Faces.size();
+  for (std::size_t place = 0; place < inside; ++place) {
+    for (int k = 0; k < 3; ++k) {
+      if (m_Faces[place].dropped || m_Faces[place].adjacent[k] != Face::HULL) continue;
+      auto const made = static_cast<int>(m_Faces.size());
+      int const from = m_Faces[place].corner[k];
+      int const to = m_Faces[place].corner[(k + 1) % 3];
+      m_Faces.push_back({{to, from, m_iSlots}, {Face::OPEN, made, made}, Face::FRAME});
+      Join(static_cast<int>(3 * place) + k, 3 * made);
+    }
+  }
 }
 
 void FaceMesh::RemoveFrame() {
+  m_bLoose = false;
   for (Face& face : m_Faces) {
     if (face.slot != Face::FRAME) continue;
     Drop(face);

@@ -35,9 +35,23 @@ class PlanTable {
     return entry.hash == 0 ? nullptr : &entry;
   }
 
+  // Makes room for so many entries at once.
+  void Reserve(std::size_t entries) {
+    std::size_t size = SMALLEST;
+    while (size < entries * 2) size *= 2;
+    if (size > m_Entries.size()) Resize(size);
+  }
+
+  // Has the memory that Find and Add will look at for `p` fetched meanwhile. REQUIRES: Reserve.
+  [[gnu::always_inline]] void Prefetch(TPoint const& p) const {
+    __builtin_prefetch(&m_Entries[Hash(p) & (m_Entries.size() - 1)]);
+  }
+
   // REQUIRES: the place has no entry.
   void Add(TPoint const& p, Handle handle) {
-    if ((m_iUsed + 1) * 2 > m_Entries.size()) Grow();
+    if ((m_iUsed + 1) * 2 > m_Entries.size()) {
+      Resize(m_Entries.empty() ? SMALLEST : m_Entries.size() * 2);
+    }
     std::uint64_t const hash = Hash(p);
     m_Entries[SlotOf(hash)] = {hash, handle};
     ++m_iUsed;
@@ -73,9 +87,8 @@ class PlanTable {
     return slot;
   }
 
-  void Grow() {
-    std::vector<Entry> const before(std::move(m_Entries));
-    m_Entries.assign(before.empty() ? SMALLEST : before.size() * 2, Entry{});
+  void Resize(std::size_t size) {
+    std::vector<Entry> const before = std::exchange(m_Entries, std::vector<Entry>(size));
     for (Entry const& entry : before) {
       if (entry.hash != 0) m_Entries[SlotOf(entry.hash)] = entry;
     }

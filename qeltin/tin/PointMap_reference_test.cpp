@@ -105,4 +105,33 @@ TEST(PointMapReference, BuildEntersThePointsThatCameFirst) {
   }
 }
 
+// Points that share a place in plan have no place of their own in the index.
+TEST(PointMapReference, OrderAndRemovalsAreThoseOfATree) {
+  Dice dice(TestSeed());
+  for (int run = 0; run < 60; ++run) {
+    std::vector<TPoint> points = Lattice(5 + dice.Below(400), 0, dice);
+    if (run % 10 == 0) points.assign(points.size(), TPoint(3, 4));
+    for (std::size_t i = 0; run % 10 == 0 && i < points.size(); ++i) points[i].z = 1.0 * (i % 300);
+    TIN tin;
+    tin.Init(static_cast<int>(points.size()), TPoint(0, 0), TPoint(12, 12));
+    for (TPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
+    Tree tree;
+    PointMap map;
+    for (int i = 0; i < tin.GetNumberOfPoints(); ++i) {
+      tree.emplace(PointMapNode(tin.GetPoint(i)), tin.GetPoint(i));
+    }
+    map.Build(tin);
+    for (int i = 0; i < tin.GetNumberOfPoints(); i += 2) {
+      ASSERT_EQ(map.RemovePoint(tin.GetPoint(i)), EraseFrom(tree, tin.GetPoint(i)));
+    }
+    ExpectEqual(map, tree, points);
+    for (TPoint const& p : Lattice(50, 0, dice)) {
+      auto const at = tree.lower_bound(PointMapNode(&p));
+      ASSERT_EQ(map.FindLeft(p).GetPoint(), at == tree.end() ? nullptr : at->second);
+      ASSERT_EQ(map.RemovePoint(&p), EraseFrom(tree, &p));
+    }
+    ExpectEqual(map, tree, points);
+  }
+}
+
 }  // namespace

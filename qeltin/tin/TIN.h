@@ -15,6 +15,7 @@
 #include "qeltin/tin/Triangulator.h"
 
 class CQelUnitCnv;
+class LocalFrame;
 class TINFile;
 class TPolygon;
 
@@ -360,6 +361,8 @@ class QELTIN_API TIN {
   mutable Triangulator m_Triangulator;
 
  private:
+  friend class LocalFrame;
+  friend class PointMap;
   friend class TINFile;
   friend class Triangulator;
   friend class qeltin::detail::Cavity;

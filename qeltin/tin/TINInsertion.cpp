@@ -12,6 +12,7 @@ TPoint* TIN::AddPoint(TPoint const& p) {
   if (m_pPoints->m_iCount == 0 && !Seed()) return nullptr;
   TTriangle* const triangle = m_Triangulator.Find(p);
   if (triangle == nullptr || m_pPoints->IsFull()) return nullptr;
+  if (m_pPointMap != nullptr) m_pPointMap->ForgetIndex();
   return AddPoint(m_pPoints->Add(p), triangle);
 }
 
@@ -46,6 +47,7 @@ TPoint* TIN::AddPoint(TPoint* p, TTriangle* start) {
 bool TIN::Seed() {
   if (m_pPoints->m_iCapacity - m_pPoints->m_iCount < 4) return false;
   if (m_pTriangles->m_iCapacity - m_pTriangles->m_iCount < 2) return false;
+  if (m_pPointMap != nullptr) m_pPointMap->ForgetIndex();
   TPoint* const corner1 = m_pPoints->Add(TPoint(m_WorldMin.x, m_WorldMin.y, 0.0));
   TPoint* const corner2 = m_pPoints->Add(TPoint(m_WorldMax.x, m_WorldMin.y, 0.0));
   TPoint* const corner3 = m_pPoints->Add(TPoint(m_WorldMax.x, m_WorldMax.y, 0.0));

@@ -197,7 +197,9 @@ void Twin::AddFound(TPoint const& p, TTriangle* found) {
   TPoint* const there = m_Reference.AddPoint(p, Counterpart(found));
   m_bStopped = m_Reference.IsExhausted();
   if (m_bStopped) return;
-  CompareReturned(TINPeer::AddPoint(m_Tin, pool.Add(p), found), there, p);
+  m_Tin.LoadPoint(p.x, p.y, p.z);
+  TPoint* const here = pool.At(pool.m_iCount - 1);
+  CompareReturned(TINPeer::AddPoint(m_Tin, here, found), there, p);
   Step(Text("AddPoint", p));
 }
 
