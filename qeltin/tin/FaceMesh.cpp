@@ -135,7 +135,6 @@ bool FaceMesh::FindLoops(std::vector<Loop>& loops) {
   for (std::size_t i = 0; i < m_Faces.size(); ++i) {
     for (int k = 0; k < 3; ++k) {
       if (m_Faces[i].dropped || m_Faces[i].adjacent[k] >= 0) continue;
-      if (m_bLoose && m_Faces[i].adjacent[k] == Face::HULL) continue;
       auto const side = static_cast<int>(3 * i) + k;
       int& begun = m_Begun[static_cast<std::size_t>(Start(side))];
       simple = simple && begun == NONE;
@@ -157,17 +156,10 @@ bool FaceMesh::FindLoops(std::vector<Loop>& loops) {
       m_Begun[static_cast<std::size_t>(Start(side))] = NONE;
       side = m_Begun[static_cast<std::size_t>(End(side))];
     }
-    if (m_bLoose && End(loop.back()) != Start(loop.front())) {
-      MakeHull(loop);
-    } else {
-      loops.push_back(loop);
-    }
+    if (End(loop.back()) != Start(loop.front())) return false;
+    loops.push_back(loop);
   }
   return true;
-}
-
-void FaceMesh::MakeHull(Loop const& chain) {
-  for (int side : chain) Across(side) = Face::HULL;
 }
 
 void FaceMesh::TurnOver() {

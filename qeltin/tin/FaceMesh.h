@@ -47,8 +47,8 @@ class FaceMesh {
   bool IsSound();
 
   // Replaces the faces that are in the way of soundness, and as many around them as it takes, by
-  // others over the same vertices. In a seed rectangle one part is left then. Without one, the hull
-  // stays where it was, and where a side of it is lost, what lies behind becomes hull. Returns true
+  // others over the same vertices. In a seed rectangle one part is left then. Without one, all
+  // parts are, with the hull where it was; a side that it has lost cannot be mended. Returns true
   // iff the mesh is sound now. After a false result the mesh is of no further use.
   bool Mend();
 
@@ -89,7 +89,6 @@ class FaceMesh {
   void DropAllButTheLargestPart();
   void DropStrayParts();
   int NumberParts(std::vector<int>& part) const;
-  void MakeHull(Loop const& chain);
   bool FindLoops(std::vector<Loop>& loops);
   bool IsPinched(int vertex) const { return m_Begun[static_cast<std::size_t>(vertex)] == PINCHED; }
   bool FillAll(std::vector<Loop> const& loops);
@@ -108,7 +107,6 @@ class FaceMesh {
   std::vector<Face> m_Faces;
   std::vector<int> m_SeedCorners;
   std::vector<int> m_Begun;      // by vertex: the side without neighbour that begins there, or NONE
-  bool m_bLoose = false;         // each side of the hull has a face of the frame to itself
   std::vector<char> m_InTheWay;  // by face that was given: to be dropped before the next try
 };
 

@@ -73,14 +73,14 @@ void FaceMesh::AddFrame() {
 // Puts a face beyond each side of the hull, with the same effect. They do not know each other: each
 // is its own neighbour across the other sides.
 void FaceMesh::AddLooseFrame() {
-  m_bLoose = true;
-  auto const inside = m_Faces.size();
+  std::size_t const inside = m_Faces.size();
   for (std::size_t place = 0; place < inside; ++place) {
     for (int k = 0; k < 3; ++k) {
       if (m_Faces[place].dropped || m_Faces[place].adjacent[k] != Face::HULL) continue;
       auto const made = static_cast<int>(m_Faces.size());
-      int const from = m_Faces[place].corner[k];
-      int const to = m_Faces[place].corner[(k + 1) % 3];
+      int from = m_Faces[place].corner[k];
+      int to = m_Faces[place].corner[(k + 1) % 3];
+      if (TurnsLeft(m_Faces[place])) std::swap(from, to);
       m_Faces.push_back({{to, from, m_iSlots}, {Face::OPEN, made, made}, Face::FRAME});
       Join(static_cast<int>(3 * place) + k, 3 * made);
     }
@@ -88,7 +88,6 @@ void FaceMesh::AddLooseFrame() {
 }
 
 void FaceMesh::RemoveFrame() {
-  m_bLoose = false;
   for (Face& face : m_Faces) {
     if (face.slot != Face::FRAME) continue;
     Drop(face);

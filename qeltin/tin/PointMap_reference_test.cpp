@@ -111,7 +111,8 @@ TEST(PointMapReference, OrderAndRemovalsAreThoseOfATree) {
   for (int run = 0; run < 60; ++run) {
     std::vector<TPoint> points = Lattice(5 + dice.Below(400), 0, dice);
     if (run % 10 == 0) points.assign(points.size(), TPoint(3, 4));
-    for (std::size_t i = 0; run % 10 == 0 && i < points.size(); ++i) points[i].z = 1.0 * (i % 300);
+    for (std::size_t i = 0; run % 10 == 0 && i < points.size(); ++i)
+      points[i].z = static_cast<double>(i % 300);
     TIN tin;
     tin.Init(static_cast<int>(points.size()), TPoint(0, 0), TPoint(12, 12));
     for (TPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);

@@ -217,11 +217,12 @@ class QELTIN_API TIN {
   // tell; where corners are three different slots of the point pool at finite places, clockwise or
   // in line as TEdge::WhatSide has it; where no point begins two sides without a neighbour; and
   // where the sides without a neighbour, if they join the corners of a seed rectangle, do nothing
-  // else. FillHole can lay triangles over each other. Where the structure is not sound, but has a
-  // seed rectangle around it, the triangles that are in the way are replaced by others over the
-  // same points, as few as it takes, and heights and marks change there. Returns false, with
-  // nothing changed, where that cannot be done, in a copy, and where there are no live points or no
-  // triangles. Time and memory grow with the size of the pools.
+  // else. A surface whose triangles all run counter-clockwise is turned over first. FillHole can
+  // lay triangles over each other. Where the structure is not sound, the triangles that are in the
+  // way are replaced by others over the same points, as few as it takes, and heights and marks
+  // change there. Returns false, with nothing changed, where that cannot be done, in a copy, and
+  // where there are no live points or no triangles. Time and memory grow with the size of the
+  // pools.
   bool Compact();
 
   // --- Whole surfaces -------------------------------------------------------------------------
