@@ -101,4 +101,11 @@ HeightError MeasureHeightError(std::vector<IPoint> const& points, FlatMesh const
   return error;
 }
 
+void AddFacts(HeightError const& error, FlatMesh const& mesh, Measurement& measurement) {
+  measurement.AddFact("left", static_cast<double>(mesh.points.size()));
+  measurement.AddFact("covered", error.covered);
+  measurement.AddFact("rms_error", error.rms);
+  measurement.AddFact("largest_error", error.largest);
+}
+
 }  // namespace qeltin::bench

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "bench/Measurement.h"
 #include "bench/SurveyInput.h"
 
 namespace qeltin::bench {
@@ -22,5 +23,8 @@ struct HeightError {
 
 // Compares by a grid of the points, whatever made the mesh.
 HeightError MeasureHeightError(std::vector<IPoint> const& points, FlatMesh const& mesh);
+
+// Tells how many points the mesh has, and the error.
+void AddFacts(HeightError const& error, FlatMesh const& mesh, Measurement& measurement);
 
 }  // namespace qeltin::bench

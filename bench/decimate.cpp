@@ -1,8 +1,8 @@
-// Thins a surface to about a tenth of its points: one run, of one pass for each error.
-#include <cmath>
-#include <cstdlib>
+// Thins a surface to a tenth of its points, in runs of one pass each, near to the origin.
+#include <algorithm>
 #include <unordered_map>
 
+#include "apps/qeltin/PlaneDistances.h"
 #include "bench/BuildSurface.h"
 #include "bench/HeightError.h"
 #include "bench/Measurement.h"
@@ -14,15 +14,15 @@ using namespace qeltin::bench;
 namespace {
 
 constexpr unsigned int PROGRESS = 1;
-constexpr float ERRORS[] = {0.02f, 0.05f, 0.1f, 0.2f, 0.4f, 0.8f, 1.6f, 3.2f};
 constexpr double SHARE_LEFT = 0.1;
+constexpr int SEED_CORNERS = 4;
 
 bool IsEnd(PlatformMessage const& message) {
   return static_cast<std::int64_t>(message.wParam) == -1;
 }
 
 // Returns the number of points in the map afterwards.
-[[gnu::noinline]] int Thin(TIN& tin, float error) {
+int Run(TIN& tin, float error) {
   MessageTarget window;
   Decimator decimator;
   decimator.SetSource(&tin);
@@ -35,6 +35,16 @@ bool IsEnd(PlatformMessage const& message) {
     if (window.Wait(message, std::chrono::seconds(1)) && IsEnd(message)) ++ends;
   }
   return tin.GetMap().GetNumberOfPoints();
+}
+
+[[gnu::noinline]] void Thin(TIN& tin, int target) {
+  LocalFrame const frame(tin);
+  float error = 0.0f;
+  for (int left = tin.GetNumberOfPoints() - SEED_CORNERS; left > target;) {
+    error = std::max(error, qeltin::cli::ErrorFor(left - target, left, tin));
+    left = Run(tin, error) - SEED_CORNERS;
+    tin.Compact();
+  }
 }
 
 FlatMesh CopyOf(TIN const& tin) {
@@ -57,31 +67,14 @@ FlatMesh CopyOf(TIN const& tin) {
 
 int main(int argc, char** argv) {
   Task const task = ParseTask(argc, argv, {"thin"});
-  std::vector<IPoint> points = MakeSurveyInput(task.input, task.size);
+  std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
   Measurement measurement;
   TIN tin;
   BuildSurface(tin, points);
-
-  int left = task.size;
   measurement.Start();
-  auto frame = std::make_unique<LocalFrame>(tin);
-  float const growth = static_cast<float>(std::getenv("GROWTH") ? atof(getenv("GROWTH")) : 2.0);
-  float error = static_cast<float>(std::getenv("FIRST") ? atof(getenv("FIRST")) : 0.02);
-  for (int k = 0; k < 400; ++k, error *= growth) {
-    if (left <= SHARE_LEFT * task.size) break;
-    int before = left;
-    left = Thin(tin, error);
-    if (std::getenv("SHOW"))
-      fprintf(stderr, "%g: %d gone, %d left\n", static_cast<double>(error), before - left, left);
-    tin.Compact();
-  }
-  frame.reset();
+  Thin(tin, static_cast<int>(SHARE_LEFT * task.size));
   measurement.Stop();
   FlatMesh const mesh = CopyOf(tin);
-  HeightError const height = MeasureHeightError(points, mesh);
-  measurement.AddFact("left", static_cast<double>(mesh.points.size()));
-  measurement.AddFact("covered", height.covered);
-  measurement.AddFact("rms_error", height.rms);
-  measurement.AddFact("largest_error", height.largest);
+  AddFacts(MeasureHeightError(points, mesh), mesh, measurement);
   measurement.Report(task);
 }

@@ -78,21 +78,6 @@ ThinningOptions ParseOptions(DecimateOptions const& options) {
   return thinning;
 }
 
-// Returns the error that about `wanted` of `left` points pass, or a third of those that any error
-// lets go: the fewer go at once, the closer the surface stays to those that have gone.
-float ErrorFor(int wanted, int left, TIN const& tin) {
-  constexpr double MOST_AT_ONCE = 1.0 / 3.0;
-  std::vector<double> distances = SampleDistances(tin);
-  auto const all = static_cast<double>(distances.size());
-  auto const infinite = std::lower_bound(distances.begin(), distances.end(), HUGE_VAL);
-  distances.erase(infinite, distances.end());
-  if (distances.empty()) return 0.0f;
-  auto const finite = static_cast<double>(distances.size());
-  double const rank = std::min((wanted + KEPT_AT_START) * all / left, finite * MOST_AT_ONCE);
-  double const error = distances[static_cast<std::size_t>(std::min(rank, finite - 1.0))];
-  return std::nextafter(static_cast<float>(error), HUGE_VALF);
-}
-
 // Makes runs with growing errors, up to the largest of `thinning`, until `target` of `vertices`
 // points are left or nothing more may go.
 void ThinTo(int target, int vertices, ThinningOptions const& thinning, TIN const& tin,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <unordered_set>
+#include <vector>
 
 #include "qeltin/decimate/TPlane.h"
 
@@ -46,9 +47,8 @@ double DistanceOf(TTriangle const* t, TPoint const* p, std::vector<TPoint*>& rin
          std::sqrt(plane.a * plane.a + plane.b * plane.b + 1.0);
 }
 
-}  // namespace
-
-std::vector<double> SampleDistances(TIN const& tin) {
+// Returns the distances in rising order, without the vertices that no error lets go.
+std::vector<double> SampleDistances(TIN const& tin, double& share) {
   std::vector<double> distances;
   std::vector<TPoint*> ring;
   std::unordered_set<TPoint const*> seen;
@@ -61,8 +61,23 @@ std::vector<double> SampleDistances(TIN const& tin) {
       if (seen.insert(corner).second) distances.push_back(DistanceOf(t, corner, ring));
     }
   }
+  std::erase_if(distances, [](double distance) { return !std::isfinite(distance); });
   std::sort(distances.begin(), distances.end());
+  share = static_cast<double>(distances.size()) / static_cast<double>(seen.size());
   return distances;
+}
+
+}  // namespace
+
+float ErrorFor(int wanted, int left, TIN const& tin) {
+  constexpr double MOST_AT_ONCE = 1.0 / 3.0;
+  double share = 0.0;
+  std::vector<double> const distances = SampleDistances(tin, share);
+  if (distances.empty()) return 0.0f;
+  double const go = std::min((wanted + KEPT_AT_START) / (share * left), MOST_AT_ONCE);
+  auto const rank = static_cast<std::size_t>(go * static_cast<double>(distances.size()));
+  double const error = distances[std::min(rank, distances.size() - 1)];
+  return std::nextafter(static_cast<float>(error), HUGE_VALF);
 }
 
 }  // namespace qeltin::cli

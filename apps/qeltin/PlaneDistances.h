@@ -1,14 +1,16 @@
 #pragma once
 
-#include <vector>
-
 #include "qeltin/tin/TIN.h"
 
 namespace qeltin::cli {
 
-// Returns, in rising order, the distances of some vertices to the planes through their neighbours,
-// as the Decimator measures them: of all in a small surface, otherwise of a sample. A vertex
-// that no error lets go is infinitely far: one with fewer than four neighbours, or on the edge.
-std::vector<double> SampleDistances(TIN const& tin);
+// So many candidates no pass of a Decimator removes, its first ones.
+inline constexpr int KEPT_AT_START = 4;
+
+// Returns the error with which a pass removes about `wanted` of the `left` vertices of a surface,
+// or a third of those that any error lets go: the fewer go at once, the closer the surface stays to
+// those that have gone. Goes by the distances of all vertices to the planes through their
+// neighbours, in a large surface by those of a sample.
+float ErrorFor(int wanted, int left, TIN const& tin);
 
 }  // namespace qeltin::cli

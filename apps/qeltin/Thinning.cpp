@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "apps/qeltin/Interrupt.h"
+#include "apps/qeltin/PlaneDistances.h"
 #include "apps/qeltin/Progress.h"
 #include "qeltin/decimate/Decimator.h"
 

@@ -8,9 +8,6 @@
 
 namespace qeltin::cli {
 
-// So many candidates no pass removes, its first ones.
-inline constexpr int KEPT_AT_START = 4;
-
 struct ThinningOptions {
   int passes = 1;
   float min_error = 0.0f;

@@ -4,8 +4,6 @@
 #include <vtkNew.h>
 #include <vtkPolyData.h>
 
-#include <cstdlib>
-
 #include "bench/BuildSurface.h"
 #include "bench/HeightError.h"
 #include "bench/Measurement.h"
@@ -20,10 +18,9 @@ constexpr double SHARE_LEFT = 0.1;
 [[gnu::noinline]] void Thin(vtkPolyData& mesh, vtkDecimatePro& filter) {
   filter.SetInputData(&mesh);
   filter.SetTargetReduction(1.0 - SHARE_LEFT);
-  if (std::getenv("TOPO")) filter.PreserveTopologyOn();
-  if (std::getenv("NOSPLIT")) filter.SplittingOff();
-  if (std::getenv("NOBOUND")) filter.BoundaryVertexDeletionOff();
-  if (std::getenv("ANGLE")) filter.SetFeatureAngle(atof(getenv("ANGLE")));
+  filter.PreserveTopologyOn();
+  filter.SplittingOff();
+  filter.BoundaryVertexDeletionOff();
   filter.Update();
 }
 
@@ -62,10 +59,6 @@ int main(int argc, char** argv) {
   Thin(*mesh, *filter);
   measurement.Stop();
   FlatMesh const left = CopyOf(*filter->GetOutput());
-  HeightError const error = MeasureHeightError(points, left);
-  measurement.AddFact("left", static_cast<double>(left.points.size()));
-  measurement.AddFact("covered", error.covered);
-  measurement.AddFact("rms_error", error.rms);
-  measurement.AddFact("largest_error", error.largest);
+  AddFacts(MeasureHeightError(points, left), left, measurement);
   measurement.Report(task);
 }
