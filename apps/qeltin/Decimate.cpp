@@ -233,7 +233,8 @@ void AddDecimate(CLI::App& application) {
   command
       ->add_option("--target-points", options->target,
                    "Make runs with growing errors, up to --max-error, until\n"
-                   "no more than N points are left")
+                   "no more than N points are left; each lets about a fifth\n"
+                   "go")
       ->check(CLI::Range(1, 2000000000).description(""))
       ->type_name("N");
   options->AddTo(*command);

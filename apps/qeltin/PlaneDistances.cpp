@@ -70,7 +70,7 @@ std::vector<double> SampleDistances(TIN const& tin, double& share) {
 }  // namespace
 
 float ErrorFor(int wanted, int left, TIN const& tin) {
-  constexpr double MOST_AT_ONCE = 1.0 / 3.0;
+  constexpr double MOST_AT_ONCE = 0.2;
   double share = 0.0;
   std::vector<double> const distances = SampleDistances(tin, share);
   if (distances.empty()) return 0.0f;

@@ -106,7 +106,9 @@ int Thinning::Run(ThinningOptions const& options, std::optional<int> surplus) {
   int const removed = before - m_Tin.GetMap().GetNumberOfPoints();
   Merge(decimator.GetErrorStat(), m_Distances);
   ++m_iRuns;
-  if (!m_Tin.Compact()) throw std::runtime_error("the structure cannot be mended");
+  if (!m_Tin.Compact())
+    throw std::runtime_error(
+        "its structure breaks; make a surface of its points by 'qeltin build' first");
   return removed;
 }
 

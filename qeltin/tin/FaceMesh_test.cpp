@@ -24,8 +24,17 @@ constexpr int OPEN = Face::OPEN;
 //   0 --- 3
 class Square : public ::testing::Test {
  protected:
-  std::vector<TPoint> m_Points = {{0, 0}, {0, 100}, {100, 100}, {100, 0}, {50, 50}};
-  FaceMesh m_Mesh{m_Points.data(), 5};
+  static constexpr int SLOTS = 8;  // more than are in use
+
+  std::vector<TPoint> m_Points = Corners();
+  FaceMesh m_Mesh{m_Points.data(), SLOTS};
+
+  static std::vector<TPoint> Corners() {
+    std::vector<TPoint> points;
+    points.reserve(SLOTS);
+    points = {{0, 0}, {0, 100}, {100, 100}, {100, 0}, {50, 50}};
+    return points;
+  }
 
   Square() {
     for (int i = 0; i < 4; ++i) {
@@ -101,7 +110,7 @@ TEST_F(Square, ATriangleThatTurnsLeftIsReplaced) {
 
 TEST_F(Square, ASmallerPartThatIsNotJoinedIsDropped) {
   m_Points.insert(m_Points.end(), {{10, 40}, {10, 60}, {20, 50}});
-  FaceMesh mesh(m_Points.data(), 8);
+  FaceMesh mesh(m_Points.data(), SLOTS);
   mesh.Faces() = m_Mesh.Faces();
   mesh.Faces().push_back({{5, 6, 7}, {HULL, HULL, HULL}, 4});
   mesh.SetSeedCorners({0, 1, 2, 3});
@@ -118,7 +127,7 @@ class Loose : public Square {
 
 TEST_F(Loose, AHoleInsideIsFilled) {
   m_Points.emplace_back(50, 80);
-  FaceMesh mesh(m_Points.data(), 6);
+  FaceMesh mesh(m_Points.data(), SLOTS);
   mesh.Faces() = m_Mesh.Faces();
   mesh.Faces()[1] = {{1, 2, 5}, {HULL, OPEN, 4}, 1};
   mesh.Faces().push_back({{4, 1, 5}, {0, 1, OPEN}, 4});
