@@ -1,5 +1,4 @@
 // Thins a surface to a tenth of its points, in runs of one pass each, near to the origin.
-#include <algorithm>
 #include <unordered_map>
 
 #include "apps/qeltin/PlaneDistances.h"
@@ -39,10 +38,8 @@ int Run(TIN& tin, float error) {
 
 [[gnu::noinline]] void Thin(TIN& tin, int target) {
   LocalFrame const frame(tin);
-  float error = 0.0f;
   for (int left = tin.GetNumberOfPoints() - SEED_CORNERS; left > target;) {
-    error = std::max(error, qeltin::cli::ErrorFor(left - target, left, tin));
-    left = Run(tin, error) - SEED_CORNERS;
+    left = Run(tin, qeltin::cli::ErrorFor(left - target, left, tin)) - SEED_CORNERS;
     tin.Compact();
   }
 }

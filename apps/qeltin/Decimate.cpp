@@ -78,12 +78,13 @@ ThinningOptions ParseOptions(DecimateOptions const& options) {
   return thinning;
 }
 
-// Makes runs with growing errors, up to the largest of `thinning`, until `target` of `vertices`
-// points are left or nothing more may go.
+// Makes runs, each with the error that it takes, up to the largest of `thinning`, until `target` of
+// `vertices` points are left or nothing more may go.
 void ThinTo(int target, int vertices, ThinningOptions const& thinning, TIN const& tin,
             Thinning& runs) {
   constexpr float LEAST_GROWTH = 1.5f;  // after a run in which little has gone
-  constexpr int LITTLE = 20;            // a share of 1 to so many
+  constexpr float SMALLEST_SHARE = 1e-4f;
+  constexpr int LITTLE = 20;  // a share of 1 to so many
   float const ceiling = thinning.max_error;
   ThinningOptions run = thinning;
   float least = thinning.min_error;
@@ -94,7 +95,8 @@ void ThinTo(int target, int vertices, ThinningOptions const& thinning, TIN const
     bool const few = removed < (left - target) / LITTLE || removed == 0;
     if (removed == 0 && run.max_error == ceiling) return;
     left -= removed;
-    least = run.max_error * (few ? LEAST_GROWTH : 1.0f);
+    least =
+        few ? std::max(run.max_error, ceiling * SMALLEST_SHARE) * LEAST_GROWTH : thinning.min_error;
   }
 }
 
@@ -232,7 +234,7 @@ void AddDecimate(CLI::App& application) {
                     "the line through two neighbours on it");
   command
       ->add_option("--target-points", options->target,
-                   "Make runs with growing errors, up to --max-error, until\n"
+                   "Make runs with errors that fit, up to --max-error, until\n"
                    "no more than N points are left; each lets about a fifth\n"
                    "go")
       ->check(CLI::Range(1, 2000000000).description(""))
