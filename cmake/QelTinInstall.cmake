@@ -9,8 +9,12 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX
 
 install(TARGETS qeltin EXPORT QelTinTargets
   LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+set(without)
+if(NOT QELTIN_WITH_RENDER)
+  set(without REGEX "${QELTIN_RENDER_FOLDERS}" EXCLUDE)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/qeltin DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  COMPONENT development FILES_MATCHING PATTERN "*.h")
+  COMPONENT development FILES_MATCHING PATTERN "*.h" ${without})
 install(EXPORT QelTinTargets NAMESPACE QelTin:: DESTINATION ${package_dir} COMPONENT development)
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/QelTinConfig.cmake.in

@@ -59,7 +59,7 @@ if(TARGET qeltin_cli)
   set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME qeltin)
   set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION science)
   set(CPACK_DEBIAN_COMMAND_PACKAGE_SHLIBDEPS ON)
-  set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "libqeltin ${same_version}")
+  set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "libqeltin ${same_version}, fonts-dejavu-core")
   set(CPACK_DEBIAN_COMMAND_DESCRIPTION "triangulated surface models - command
 ${about}
 

@@ -5,8 +5,33 @@ include(GoogleTest)
 find_package(GTest REQUIRED)
 find_program(QELTIN_PYTHON python3 REQUIRED)
 
-# Adds the program qeltin_<label>_test from the *_test.cpp under the folders, if there are any.
-# Test names start with "<label>/". The target is left in `test_program`, or empty.
+# A driver's own races are named in a list, so that ours stand out.
+set(test_environment)
+if(QELTIN_SANITIZE MATCHES thread AND QELTIN_WITH_RENDER)
+  set(suppressions ${PROJECT_SOURCE_DIR}/testing/gl/tsan.supp)
+  set(test_environment ENVIRONMENT "TSAN_OPTIONS=atexit_sleep_ms=0:suppressions=${suppressions}")
+endif()
+
+# Adds a program of the given tests, whose names start with "<label>/".
+function(qeltin_add_test_program program label)
+  add_executable(${program} ${ARGN})
+  target_link_libraries(${program} PRIVATE
+    qeltin_build_flags qeltin_testing qeltin_static GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${program}
+    TEST_PREFIX ${label}/
+    PROPERTIES LABELS ${label} ${test_environment}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 60)
+endfunction()
+
+# Adds a test of the given label that is a command.
+function(qeltin_add_command_test label name)
+  add_test(NAME ${label}/${name} COMMAND ${ARGN})
+  set_tests_properties(${label}/${name} PROPERTIES LABELS ${label})
+endfunction()
+
+# Adds the program qeltin_<label>_test from the *_test.cpp under the folders, if there are any. The
+# target is left in `test_program`, or empty.
 function(qeltin_add_unit_tests label)
   set(test_program "" PARENT_SCOPE)
   set(sources)
@@ -15,20 +40,17 @@ function(qeltin_add_unit_tests label)
     if(NOT QELTIN_WITH_GDAL)
       list(FILTER found EXCLUDE REGEX "/gdal/")
     endif()
+    if(NOT QELTIN_WITH_RENDER)
+      list(FILTER found EXCLUDE REGEX "${QELTIN_RENDER_FOLDERS}")
+    endif()
     list(APPEND sources ${found})
   endforeach()
+  list(FILTER sources EXCLUDE REGEX "_calls_test\\.cpp$")
   if(NOT sources)
     return()
   endif()
   set(program qeltin_${label}_test)
-  add_executable(${program} ${sources})
-  target_link_libraries(${program} PRIVATE
-    qeltin_build_flags qeltin_testing qeltin_static GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${program}
-    TEST_PREFIX ${label}/
-    PROPERTIES LABELS ${label}
-    DISCOVERY_MODE PRE_TEST
-    DISCOVERY_TIMEOUT 60)
+  qeltin_add_test_program(${program} ${label} ${sources})
   set(test_program ${program} PARENT_SCOPE)
 endfunction()
 
@@ -38,6 +60,15 @@ foreach(subsystem IN ITEMS
 endforeach()
 qeltin_add_unit_tests(testing testing)
 
+# What is asked of GL and in which order, in a program of its own whose GL records.
+if(QELTIN_WITH_RENDER)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/qeltin/render/*_calls_test.cpp)
+  qeltin_add_test_program(qeltin_render_calls_test render
+    ${sources} ${PROJECT_SOURCE_DIR}/testing/gl/RecordingGl.cpp)
+  qeltin_add_command_test(render every_call_is_recorded ${QELTIN_PYTHON}
+    ${PROJECT_SOURCE_DIR}/testing/gl/unrecorded_calls.py $<TARGET_FILE:qeltin_render_calls_test>)
+endif()
+
 if(TARGET qeltin_cli)
   qeltin_add_unit_tests(cli apps/qeltin)
   if(test_program)
@@ -46,14 +77,12 @@ if(TARGET qeltin_cli)
     target_compile_definitions(${test_program} PRIVATE
       QELTIN_COMMAND="$<TARGET_FILE:qeltin_cli>" QELTIN_VERSION="${PROJECT_VERSION}")
     target_link_libraries(${test_program} PRIVATE nlohmann_json::nlohmann_json)
+    if(QELTIN_WITH_RENDER)
+      find_package(PNG REQUIRED)
+      target_link_libraries(${test_program} PRIVATE PNG::PNG)
+    endif()
   endif()
 endif()
-
-# Adds a test of the given label that is a command.
-function(qeltin_add_command_test label name)
-  add_test(NAME ${label}/${name} COMMAND ${ARGN})
-  set_tests_properties(${label}/${name} PROPERTIES LABELS ${label})
-endfunction()
 
 # A host that links nothing: it loads the library by name, and unloads it.
 add_executable(unload_host ${PROJECT_SOURCE_DIR}/testing/unload/host.cpp)

@@ -4,7 +4,7 @@
 usage: exported_symbols.py LIBRARY [--update]
 
 The list holds our own names, demangled and sorted. Instances of the standard library's templates,
-which come and go with the compiler, are left out. --update rewrites the list instead.
+which come and go with the compiler, and the linker's own names are left out. --update rewrites the list instead.
 """
 
 import difflib
@@ -18,13 +18,16 @@ LIST = pathlib.Path(__file__).with_name("exported_symbols.txt")
 # Mangled names that belong to namespace std or __gnu_cxx, also as vtable, typeinfo, guard or local.
 STANDARD = re.compile(r"^_Z(GV|T[VIST]|Z)*(N[rVK]*[RO]?)?(S[tabsiod]|9__gnu_cxx)")
 
+# Names of the linker's own, which it shows where a library that ours is linked with shows them.
+LINKERS = {"__bss_start", "_edata", "_end"}
+
 
 def exported(library):
     """Returns the sorted demangled names that the library defines for others."""
     command = ["nm", "-D", "--defined-only", "--format=posix", library]
     rows = subprocess.run(command, check=True, capture_output=True, text=True).stdout.splitlines()
     names = [row.split()[0] for row in rows]
-    ours = "\n".join(name for name in names if not STANDARD.match(name))
+    ours = "\n".join(name for name in names if name not in LINKERS and not STANDARD.match(name))
     plain = subprocess.run(["c++filt"], input=ours, check=True, capture_output=True, text=True)
     return sorted(set(plain.stdout.splitlines()))
 

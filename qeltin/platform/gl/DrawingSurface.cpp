@@ -1,0 +1,5 @@
+#include "qeltin/platform/gl/DrawingSurface.h"
+
+RenderingContext::~RenderingContext() = default;
+
+DrawingSurface::~DrawingSurface() = default;

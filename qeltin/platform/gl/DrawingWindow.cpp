@@ -1,0 +1,3 @@
+#include "qeltin/platform/gl/DrawingWindow.h"
+
+DrawingWindow::~DrawingWindow() = default;
