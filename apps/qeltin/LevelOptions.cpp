@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <set>
+#include <utility>
 
 #include "apps/qeltin/Failure.h"
 
@@ -21,6 +22,22 @@ std::vector<double> HeightsOf(std::vector<Level> const& levels) {
   std::vector<double> heights;
   for (Level const& level : levels) heights.push_back(level.height);
   return heights;
+}
+
+std::optional<std::vector<Level>> LevelsInSteps(SurfaceFacts const& facts, double base,
+                                                double interval) {
+  constexpr double MOST = 1e6;
+  constexpr double LARGEST_NUMBER = 9e15;  // whole numbers are exact up to here
+  double const first = std::floor((facts.lowest - base) / interval);
+  double const last = std::ceil((facts.highest - base) / interval);
+  if (!(last - first < MOST) || !(std::fabs(first) < LARGEST_NUMBER)) return {};
+  std::vector<Level> levels;
+  for (auto k = static_cast<long long>(first); k <= static_cast<long long>(last); ++k) {
+    double const height = base + static_cast<double>(k) * interval;
+    bool const fresh = levels.empty() || height > levels.back().height;
+    if (fresh && height >= facts.lowest && height <= facts.highest) levels.push_back({height, k});
+  }
+  return levels;
 }
 
 void LevelOptions::AddTo(CLI::App& command) {
@@ -53,32 +70,17 @@ void LevelOptions::Check() const {
 
 std::vector<Level> LevelOptions::LevelsOf(SurfaceFacts const& facts,
                                           std::string const& surface) const {
-  if (m_Levels.empty()) return InSteps(facts, surface);
+  if (m_Levels.empty()) {
+    double const base = m_Base.empty() ? 0.0 : NumberIn(m_Base);
+    std::optional<std::vector<Level>> levels = LevelsInSteps(facts, base, NumberIn(m_Interval));
+    if (levels) return *std::move(levels);
+    throw Failure(surface, "an interval of " + m_Interval + " gives more than a million levels");
+  }
   std::set<double> heights;
   for (std::string const& text : m_Levels) heights.insert(NumberIn(text));
   std::vector<Level> levels;
   for (double const height : heights) {
     levels.push_back({height, static_cast<long long>(levels.size())});
-  }
-  return levels;
-}
-
-std::vector<Level> LevelOptions::InSteps(SurfaceFacts const& facts,
-                                         std::string const& surface) const {
-  constexpr double MOST = 1e6;
-  constexpr double LARGEST_NUMBER = 9e15;  // whole numbers are exact up to here
-  double const base = m_Base.empty() ? 0.0 : NumberIn(m_Base);
-  double const interval = NumberIn(m_Interval);
-  double const first = std::floor((facts.lowest - base) / interval);
-  double const last = std::ceil((facts.highest - base) / interval);
-  if (!(last - first < MOST) || !(std::fabs(first) < LARGEST_NUMBER)) {
-    throw Failure(surface, "an interval of " + m_Interval + " gives more than a million levels");
-  }
-  std::vector<Level> levels;
-  for (auto k = static_cast<long long>(first); k <= static_cast<long long>(last); ++k) {
-    double const height = base + static_cast<double>(k) * interval;
-    bool const fresh = levels.empty() || height > levels.back().height;
-    if (fresh && height >= facts.lowest && height <= facts.highest) levels.push_back({height, k});
   }
   return levels;
 }

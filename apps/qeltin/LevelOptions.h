@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,11 @@ struct Level {
 
 std::vector<double> HeightsOf(std::vector<Level> const& levels);
 
+// Returns base + k * interval, rising, each once, for each whole k that gives a height of the
+// surface. None where there are more than a million. REQUIRES: interval > 0.
+std::optional<std::vector<Level>> LevelsInSteps(SurfaceFacts const& facts, double base,
+                                                double interval);
+
 // Which heights are wanted: single ones, or all in steps.
 class LevelOptions {
  public:
@@ -25,14 +31,11 @@ class LevelOptions {
   // Throws UsageFailure where the options do not go together.
   void Check() const;
 
-  // Returns the levels, rising, each once. Those in steps are base + k * interval for each whole k
-  // that gives a height of the surface; more than a million of them are a Failure in the name of
+  // Returns the levels, rising, each once. More than a million are a Failure in the name of
   // `surface`.
   std::vector<Level> LevelsOf(SurfaceFacts const& facts, std::string const& surface) const;
 
  private:
-  std::vector<Level> InSteps(SurfaceFacts const& facts, std::string const& surface) const;
-
   std::vector<std::string> m_Levels;
   std::string m_Interval;
   std::string m_Base;

@@ -45,5 +45,7 @@ void AddDecimate(CLI::App& application);
 void AddIsolines(CLI::App& application);
 void AddContours(CLI::App& application);
 void AddProfile(CLI::App& application);
+void AddRender(CLI::App& application);
+void AddView(CLI::App& application);
 
 }  // namespace qeltin::cli

@@ -13,8 +13,8 @@ using ::testing::StartsWith;
 class Usage : public CommandTest {};
 
 std::vector<std::string> const COMMANDS = {
-    "sample", "build",  "info",  "height",   "convert",  "grid",    "volume",
-    "filter", "smooth", "merge", "isolines", "contours", "profile",
+    "sample", "build", "info",     "height",   "convert",  "grid",    "volume", "filter",
+    "smooth", "merge", "decimate", "isolines", "contours", "profile", "render", "view",
 };
 
 TEST_F(Usage, HelpGoesToStandardOutput) {
@@ -102,6 +102,13 @@ TEST_F(Usage, WrongUsageIsStatus2AndLeavesNothing) {
       {"smooth", "-o", "s.tin"},
       {"smooth", "s.xyz", "-o", "s"},
       {"smooth", "s.xyz", "--inside", "-o", "s.tin"},
+      {"render"},
+      {"render", "s.xyz"},
+      {"render", "-o", "p.png"},
+      {"render", "s.xyz", "-o", "p.jpg"},
+      {"render", "s.xyz", "-o", "p.png", "--size", "0x0"},
+      {"render", "s.xyz", "-o", "p.png", "--contours", "0"},
+      {"render", "s.xyz", "-o", "p.png", "--lines"},
       {"merge", "s.xyz", "s.xyz"},
       {"merge", "s.xyz", "-o", "s.tin"},
       {"merge", "s.xyz", "s.xyz", "-o", "s.ttm"},

@@ -52,6 +52,8 @@ int Run(CLI::App& application, int argc, char** argv) {
   AddIsolines(application);
   AddContours(application);
   AddProfile(application);
+  AddRender(application);
+  AddView(application);
   for (CLI::App* command : application.get_subcommands({})) command->group("Commands");
   application.footer("'qeltin COMMAND --help' tells the options of a command.");
   try {

@@ -8,8 +8,7 @@
 
 namespace qeltin::cli {
 
-// What the module qeltin-gdal.so does for the command. GDAL with all that it needs takes tens of
-// milliseconds and of megabytes to load, which only those commands pay for that use it.
+// What the module qeltin-gdal.so does for the command.
 struct GdalFunctions {
   decltype(&CreateVectorFile) create_vector_file;
   decltype(&CheckCrs) check_crs;

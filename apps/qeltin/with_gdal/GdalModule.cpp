@@ -1,8 +1,4 @@
-#include <dlfcn.h>
-
-#include <filesystem>
-
-#include "apps/qeltin/Failure.h"
+#include "apps/qeltin/ModuleLoader.h"
 #include "apps/qeltin/with_gdal/GdalFunctions.h"
 
 // The functions of the module under their own names: the first call of any loads it, for good.
@@ -11,21 +7,9 @@ namespace qeltin::cli {
 
 namespace {
 
-GdalFunctions const& Load() {
-  namespace fs = std::filesystem;
-  std::string const module =
-      (fs::read_symlink("/proc/self/exe").parent_path() / QELTIN_MODULE_FROM_BIN / "qeltin-gdal.so")
-          .lexically_normal()
-          .string();
-  void* const handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (handle == nullptr) throw Failure(module, dlerror());
-  void* const entry = dlsym(handle, GDAL_ENTRY);
-  if (entry == nullptr) throw Failure(module, dlerror());
-  return *reinterpret_cast<GdalEntry>(entry)();
-}
-
 GdalFunctions const& Module() {
-  static GdalFunctions const& functions = Load();
+  static GdalFunctions const& functions =
+      *reinterpret_cast<GdalEntry>(LoadModule("qeltin-gdal.so", GDAL_ENTRY))();
   return functions;
 }
 
