@@ -85,14 +85,17 @@ unsigned Scene::Layers() const {
 
 void Scene::Draw(GlContext& context, unsigned layers) const {
   glEnable(GL_NORMALIZE);
-  // What lies on the surface stays in front of it.
+  // What lies on the surface stays in front of it, and contours in front of the mesh.
   glEnable(GL_POLYGON_OFFSET_FILL);
-  glPolygonOffset(1.0f, 2.0f);
+  glEnable(GL_POLYGON_OFFSET_LINE);
   glPushMatrix();
   glScaled(1.0, 1.0, m_dExaggeration);
   glTranslated(0.0, 0.0, -m_Centre.z);
   for (int i = 0; i < LAYERS; ++i) {
-    if ((layers & 1U << i) != 0) context.DrawCompiledList(m_Lists[i]);
+    if ((layers & 1U << i) == 0) continue;
+    float const behind = 1U << i == SURFACE ? 2.0f : 1.0f;
+    glPolygonOffset(behind, 2.0f * behind);
+    context.DrawCompiledList(m_Lists[i]);
   }
   glPopMatrix();
 }
