@@ -3,10 +3,14 @@
 #include <GL/glx.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <dlfcn.h>
+#include <link.h>
 
 #include <algorithm>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace qeltin::detail {
@@ -76,6 +80,23 @@ int Choose(::Display* display, int bits_per_colour, int depth_bits) {
   return configs.empty() ? 0 : NumberOf(display, configs.front());
 }
 
+// Lets the drivers that GLX has loaded stay for good. It unloads them with the last connection, and
+// each time they leave memory behind.
+void KeepDrivers() {
+  std::vector<std::string> drivers;
+  auto const add = [](dl_phdr_info* module, std::size_t, void* found) {
+    std::string_view const path = module->dlpi_name;
+    if (path.ends_with("_dri.so"))
+      static_cast<std::vector<std::string>*>(found)->emplace_back(path);
+    return 0;
+  };
+  dl_iterate_phdr(add, &drivers);
+  for (std::string const& driver : drivers) {
+    void* const module = dlopen(driver.c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+    if (module != nullptr) dlclose(module);
+  }
+}
+
 }  // namespace
 
 class GlxSurface::Context : public RenderingContext {
@@ -100,6 +121,7 @@ GlxSurface::GlxSurface(std::string const& display, unsigned long parent)
 }
 
 GlxSurface::~GlxSurface() {
+  KeepDrivers();
   if (!m_Connection.IsOk()) return;
   ::Display* const display = m_Connection.Display();
   if (m_iDrawable != 0) glXDestroyWindow(display, m_iDrawable);
