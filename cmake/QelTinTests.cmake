@@ -17,7 +17,6 @@ function(qeltin_add_test_program program label)
   add_executable(${program} ${ARGN})
   target_link_libraries(${program} PRIVATE
     qeltin_build_flags qeltin_testing qeltin_static GTest::gmock GTest::gtest_main)
-  target_precompile_headers(${program} PRIVATE <gtest/gtest.h> <cmath> <string> <vector>)
   gtest_discover_tests(${program}
     TEST_PREFIX ${label}/
     PROPERTIES LABELS ${label} ${test_environment}
@@ -78,7 +77,6 @@ if(TARGET qeltin_cli)
     target_compile_definitions(${test_program} PRIVATE
       QELTIN_COMMAND="$<TARGET_FILE:qeltin_cli>" QELTIN_VERSION="${PROJECT_VERSION}")
     target_link_libraries(${test_program} PRIVATE nlohmann_json::nlohmann_json)
-    target_precompile_headers(${test_program} PRIVATE <nlohmann/json.hpp>)
     if(QELTIN_WITH_RENDER)
       find_package(PNG REQUIRED)
       target_link_libraries(${test_program} PRIVATE PNG::PNG)
