@@ -101,8 +101,10 @@ qeltin_add_command_test(conventions include_arrows_self_test
 # A sanitized library would need sanitized hosts, and what an unoptimised one exports is another list.
 if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT QELTIN_SANITIZE)
   set(install_tests ${PROJECT_SOURCE_DIR}/testing/install)
-  qeltin_add_command_test(install exported_symbols
-    ${QELTIN_PYTHON} ${install_tests}/exported_symbols.py $<TARGET_FILE:qeltin>)
+  if(QELTIN_WITH_RENDER)  # the list is that of the whole library
+    qeltin_add_command_test(install exported_symbols
+      ${QELTIN_PYTHON} ${install_tests}/exported_symbols.py $<TARGET_FILE:qeltin>)
+  endif()
   set(ways find_package pkg_config)
   if(TARGET qeltin_cli)
     list(APPEND ways command)
