@@ -12,25 +12,20 @@
 
 #include "qeltin/models/CProfileList.h"
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/MakeSurvey.h"
 #include "testing/TINPeer.h"
-#include "testing/VerifySurface.h"
 
 namespace {
 
 using qeltin::detail::MakeSurface;
+using qeltin::testing::ExpectSound;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
-using qeltin::testing::VerifySurface;
 
 constexpr double LARGEST_FLOAT = 3.4028234663852886e38;
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
-}
 
 // Profiles and the list of them.
 class Profiles {

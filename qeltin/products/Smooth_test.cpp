@@ -5,6 +5,7 @@
 
 #include "qeltin/products/TPolygon.h"
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/Formula.h"
 #include "testing/HandMadeMesh.h"
 #include "testing/MakeSurvey.h"
@@ -14,6 +15,7 @@
 namespace {
 
 using qeltin::testing::Dice;
+using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::HandMadeMesh;
 using qeltin::testing::MakeSurvey;
@@ -22,11 +24,6 @@ using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
 using qeltin::testing::VerifySurface;
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
-}
 
 // The square from 0 to 30 in two visible triangles.
 struct Square {

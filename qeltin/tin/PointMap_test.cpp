@@ -7,18 +7,18 @@
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/MakeSurvey.h"
 #include "testing/TINPeer.h"
-#include "testing/VerifySurface.h"
 
 namespace {
 
+using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
-using qeltin::testing::VerifySurface;
 
 using Triangles = std::vector<TTriangle*>;
 
@@ -47,11 +47,6 @@ void BuildSquare(TIN& tin) {
        {TPoint(0, 0, 1), TPoint(8, 0, 2), TPoint(8, 8, 3), TPoint(0, 8, 4), TPoint(4, 4, 5)}) {
     ASSERT_NE(tin.AddPoint(p), nullptr);
   }
-}
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
 }
 
 // --- Nodes

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/Formula.h"
 #include "testing/MakeSurvey.h"
 #include "testing/TINPeer.h"
@@ -15,6 +16,7 @@
 
 namespace {
 
+using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::FormulaInputs;
 using qeltin::testing::MakeSurvey;
@@ -25,11 +27,6 @@ using qeltin::testing::TINPeer;
 using qeltin::testing::VerifySurface;
 
 constexpr double LARGEST_FLOAT = 3.4028234663852886e38;
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
-}
 
 void Load(TIN& tin, std::vector<TPoint> const& points) {
   auto const box = ExtentOf(points);

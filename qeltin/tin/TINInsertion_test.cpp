@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/HandMadeMesh.h"
 #include "testing/MakeSurvey.h"
 #include "testing/TINPeer.h"
@@ -14,6 +15,7 @@
 
 namespace {
 
+using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::HandMadeMesh;
 using qeltin::testing::MakeSurvey;
@@ -21,11 +23,6 @@ using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
 using qeltin::testing::VerifySurface;
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
-}
 
 // A surface for the square from 0 to 10, seeded and without a point of its own.
 struct Seeded {

@@ -7,27 +7,22 @@
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
+#include "testing/ExpectSound.h"
 #include "testing/Formula.h"
 #include "testing/HandMadeMesh.h"
 #include "testing/TINPeer.h"
-#include "testing/VerifySurface.h"
 
 namespace {
 
 using qeltin::testing::CentroidOf;
+using qeltin::testing::ExpectSound;
 using qeltin::testing::FormulaInputs;
 using qeltin::testing::HandMadeMesh;
 using qeltin::testing::SameBits;
 using qeltin::testing::TINPeer;
-using qeltin::testing::VerifySurface;
 
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr int ROUNDS = 3000;
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
-}
 
 // A sloping square of four corners and a middle: z = 5 + x + 2 y.
 void BuildSlope(TIN& tin) {

@@ -9,16 +9,16 @@
 #include <memory>
 #include <vector>
 
+#include "testing/ExpectSound.h"
 #include "testing/Formula.h"
 #include "testing/TINPeer.h"
-#include "testing/VerifySurface.h"
 
 namespace {
 
+using qeltin::testing::ExpectSound;
 using qeltin::testing::FormulaInputs;
 using qeltin::testing::SameBits;
 using qeltin::testing::TINPeer;
-using qeltin::testing::VerifySurface;
 
 constexpr double LARGEST_FLOAT = 3.4028234663852886e38;
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
@@ -44,11 +44,6 @@ void Build(TIN& tin) {
                           TPoint(0, 80, -4), TPoint(40, 30, -9)}) {
     ASSERT_NE(tin.AddPoint(p), nullptr);
   }
-}
-
-void ExpectSound(TIN const& tin) {
-  auto const report = VerifySurface(tin);
-  EXPECT_TRUE(report.Ok()) << report;
 }
 
 // --- Without pools
