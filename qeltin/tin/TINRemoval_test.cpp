@@ -183,12 +183,27 @@ TEST(TINRemovePoint, ReleasesTheSlotsWhoseNumbersAreTheDistancesInBytes) {
 }
 
 TEST(TINRemovePoint, VertexOfDegreeFourCutsTheEarOfTheSmallerCircleFirst) {
-  Wheel wheel(TPoint(100, 100),
-              {TPoint(100, 106), TPoint(120, 100), TPoint(100, 95), TPoint(80, 100)});
+  for (double const west : {75.0, 85.0}) {
+    Wheel wheel(TPoint(100, 100),
+                {TPoint(100, 106), TPoint(120, 100), TPoint(100, 95), TPoint(west, 100)});
+    ASSERT_TRUE(wheel.tin.RemovePoint(wheel.hub));
+    // North and south are the sharper diagonal: the circles through it are the smaller ones. The
+    // ear cut first goes into the last triangle of the fan.
+    std::size_t const first = west < 80.0 ? 3 : 2;
+    EXPECT_EQ(wheel.With(wheel.ring[0], wheel.ring[1], wheel.ring[2]), wheel.fan[first]);
+    EXPECT_EQ(wheel.With(wheel.ring[2], wheel.ring[3], wheel.ring[0]), wheel.fan[5 - first]);
+    ExpectSoundByNeighbours(wheel.tin, false);
+  }
+}
+
+TEST(TINRemovePoint, OfTwoEarsWithOneRadiusTheEarlierInTheRingIsCutFirst) {
+  std::vector<TPoint> const square = {TPoint(95, 95), TPoint(95, 105), TPoint(105, 105),
+                                      TPoint(105, 95)};
+  Wheel wheel(TPoint(100, 100), square);
   ASSERT_TRUE(wheel.tin.RemovePoint(wheel.hub));
-  // North and south are the sharper diagonal: the circles through it are the smaller ones.
-  EXPECT_NE(wheel.With(wheel.ring[0], wheel.ring[1], wheel.ring[2]), nullptr);
-  EXPECT_NE(wheel.With(wheel.ring[2], wheel.ring[3], wheel.ring[0]), nullptr);
+  // The side laid last begins the ring: corners 3, 0, 1, 2.
+  EXPECT_EQ(wheel.With(wheel.ring[3], wheel.ring[0], wheel.ring[1]), wheel.fan[3]);
+  EXPECT_EQ(wheel.With(wheel.ring[3], wheel.ring[1], wheel.ring[2]), wheel.fan[2]);
   ExpectSoundByNeighbours(wheel.tin, false);
 }
 
