@@ -97,6 +97,7 @@ int Decimator::BeginRun() {
   m_iPass = 0;
   m_iCount = m_iMapSize;
   m_bEvaluating = true;
+  m_Candidates.clear();  // of a run stopped on the worker itself, which starts the next one there
   m_ErrorStat.Reset();
   m_Running.Set();
   return m_iMapSize;

@@ -294,6 +294,18 @@ TEST(DecimatorRun, TheFirstFourCandidatesOfEveryPassStay) {
   }
 }
 
+TEST(DecimatorRun, StartsOverWithoutTheCandidatesOfAStoppedRun) {
+  TIN tin;
+  BuildLevel(tin, 9);
+  Decimator decimator;
+  decimator.SetSource(&tin);
+  Steps steps(decimator);
+  while (DecimatorPeer::Candidates(decimator).empty()) decimator.ThreadFunction();
+  decimator.Stop();
+  DecimatorPeer::Begin(decimator);
+  EXPECT_TRUE(DecimatorPeer::Candidates(decimator).empty());
+}
+
 TEST(DecimatorRun, TheFirstFourPositionsAreLeftOutWhateverStandsThere) {
   TIN tin;
   std::vector<TPoint> const points = MakeSurvey(Survey::ExactGrid, 100, 1);
