@@ -2,12 +2,14 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "qeltin/kernel/TEdge.h"
 #include "qeltin/products/HeightCodes.h"
 #include "qeltin/products/TPolygon.h"
+#include "qeltin/tin/LiveSlots.h"
 #include "qeltin/tin/Steering.h"
 #include "qeltin/tin/TIN.h"
 
@@ -90,9 +92,12 @@ class IsolineTracer {
 
   // Takes back the marks of the level before and sets those of the flat triangles. To mark these
   // before the first line is traced changes no line: each of them ends a line that comes to it,
-  // marked or not.
+  // marked or not. A triangle that is not live but still joined to others keeps its mark.
   void RenewMarks() {
-    for (TTriangle* t : m_Marked) t->m_Flags &= NOT_VISITED;
+    if (!m_Marked.empty() && !m_Live) m_Live.emplace(*m_Tin.m_pTriangles);
+    for (TTriangle* t : m_Marked) {
+      if (m_Live->Has(t)) t->m_Flags &= NOT_VISITED;
+    }
     m_Marked.clear();
     for (TTriangle* t : m_Flat) Mark(*t);
   }
@@ -187,6 +192,7 @@ class IsolineTracer {
   double m_dLevel = 0.0;                           // under work
   std::vector<std::vector<TTriangle*>> m_Crossed;  // by rising level
   std::vector<TTriangle*> m_Flat;
+  std::optional<LiveSlots> m_Live;   // from the second level on
   std::vector<TTriangle*> m_Marked;  // since the present level was begun, maybe more than once
 };
 

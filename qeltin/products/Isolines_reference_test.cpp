@@ -116,6 +116,24 @@ class IsolineReference : public ::testing::TestWithParam<std::tuple<Survey, Plac
     ExpectEqualMarks();
   }
 
+  // The lines of all levels at once, and those of one after the other on the second copy.
+  void ExpectEqualTogether(std::vector<double> const& levels) {
+    std::vector<TPolygon*> together;
+    std::vector<TPolygon*> apart;
+    std::srand(SAME_DRAWS);
+    int const number = m_pTraced->GenerateIsolines(together, levels);
+    std::srand(SAME_DRAWS);
+    for (double level : levels) m_pStated->GenerateIsoline(apart, level);
+    std::vector<std::unique_ptr<TPolygon>> const owner(together.begin(), together.end());
+    std::vector<std::unique_ptr<TPolygon>> const other_owner(apart.begin(), apart.end());
+    ASSERT_EQ(number, static_cast<int>(together.size()));
+    ASSERT_EQ(together.size(), apart.size());
+    for (std::size_t i = 0; i < apart.size(); ++i) {
+      ASSERT_TRUE(HaveSameBits(PointsOf(*together[i]), PointsOf(*apart[i])));
+    }
+    ExpectEqualMarks();
+  }
+
   void ExpectEqualMarks() {
     for (int i = 0; i < m_pTraced->GetNumberOfTriangles(); ++i) {
       ASSERT_EQ(m_pTraced->GetTriangle(i, true)->m_Flags, m_pStated->GetTriangle(i, true)->m_Flags);
@@ -228,21 +246,22 @@ TEST_P(IsolineReference, LinesOfManyLevelsAreThoseOfOneLevelAfterTheOther) {
     for (int i = 0; i < count; ++i) levels.push_back(i % 2 == 0 ? AnyLevel() : HeightOfAPoint());
     if (count > 2) levels[2] = levels[0];
     if (count > 3) levels[3] = std::numeric_limits<double>::quiet_NaN();
-    std::vector<TPolygon*> together;
-    std::vector<TPolygon*> apart;
-    std::srand(SAME_DRAWS);
-    int const number = m_pTraced->GenerateIsolines(together, levels);
-    std::srand(SAME_DRAWS);
-    for (double level : levels) m_pStated->GenerateIsoline(apart, level);
-    std::vector<std::unique_ptr<TPolygon>> const owner(together.begin(), together.end());
-    std::vector<std::unique_ptr<TPolygon>> const other_owner(apart.begin(), apart.end());
-    ASSERT_EQ(number, static_cast<int>(together.size()));
-    ASSERT_EQ(together.size(), apart.size());
-    for (std::size_t i = 0; i < apart.size(); ++i) {
-      ASSERT_TRUE(HaveSameBits(PointsOf(*together[i]), PointsOf(*apart[i])));
-    }
-    ExpectEqualMarks();
+    ExpectEqualTogether(levels);
   }
+}
+
+// Of a triangle that a removal took out of the live order although it is still joined to others, a
+// mark stays from level to level.
+TEST_P(IsolineReference, LinesOfManyLevelsAmongTrianglesThatAreNotLiveAreEqual) {
+  Build(FEW);
+  m_pTraced->BuildPointMap();
+  m_pStated->BuildPointMap();
+  for (int i = 0; i < FEW; i += 3) {
+    if (m_pTraced->PointIsOnHull(m_pTraced->GetPoint(i))) continue;
+    bool const removed = m_pTraced->RemovePoint(m_pTraced->GetPoint(i));
+    ASSERT_EQ(m_pStated->RemovePoint(m_pStated->GetPoint(i)), removed);
+  }
+  ExpectEqualTogether({AnyLevel(), HeightOfAPoint(), AnyLevel(), AnyLevel()});
 }
 
 // A copy of a surface has the corners and the neighbours of its triangles in the pools of the

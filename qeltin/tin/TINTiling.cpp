@@ -1,37 +1,17 @@
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <unordered_map>
-#include <vector>
 
 #include "qeltin/kernel/SideTest.h"
+#include "qeltin/tin/LiveSlots.h"
 #include "qeltin/tin/TIN.h"
 
+using qeltin::detail::LiveSlots;
 using qeltin::detail::SideFan;
 
 namespace {
 
 double Reach(TPoint const& p) { return std::fabs(p.x) + std::fabs(p.y); }
-
-// Tells the live slots of a pool from the others, and from triangles of another pool.
-class LiveSlots {
- public:
-  explicit LiveSlots(TArray<TTriangle> const& pool)
-      : m_pFirst(pool.m_pData), m_Live(static_cast<std::size_t>(pool.m_iCapacity)) {
-    for (int i = 0; i < pool.m_iCount; ++i)
-      m_Live[static_cast<std::size_t>(pool.m_pIndex[i])] = true;
-  }
-
-  bool Has(TTriangle const* triangle) const {
-    if (std::less<>()(triangle, m_pFirst)) return false;
-    auto const slot = static_cast<std::size_t>(triangle - m_pFirst);
-    return slot < m_Live.size() && m_Live[slot];
-  }
-
- private:
-  TTriangle const* m_pFirst;
-  std::vector<bool> m_Live;
-};
 
 // Returns true iff each neighbour of `t` is live and leads back across the same two corners.
 bool IsMutual(TTriangle const& t, LiveSlots const& live) {
