@@ -14,13 +14,16 @@ class GlContext;
 // seven digits before the point. A host whose coordinates are that large, as those of UTM are,
 // shifts its model to the neighbourhood of the origin before it draws.
 //
-// Copies share the model. Hosts are compiled against the order of the virtual operations.
+// Copies share the model; an assignment between two different kinds copies the attributes alone.
+// Hosts are compiled against the order of the virtual operations.
 //
 // Threads: Draw runs within a frame, on the thread that holds it, and nobody may write the model
 // meanwhile: nothing locks it.
 class QELTIN_API GlDrawable {
  public:
   virtual ~GlDrawable() = default;
+  GlDrawable(GlDrawable const&) = default;
+  GlDrawable& operator=(GlDrawable const&) = default;
 
   // Draws with heights exaggerated by `zScale`. REQUIRES: a frame of `context` is open, between
   // BeginDrawViewer and EndDrawViewer.
@@ -32,8 +35,6 @@ class QELTIN_API GlDrawable {
 
  protected:
   GlDrawable() = default;
-  GlDrawable(GlDrawable const&) = default;
-  GlDrawable& operator=(GlDrawable const&) = default;
 
   GlDrawingAttributes m_Attributes;
 };

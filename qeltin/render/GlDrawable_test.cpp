@@ -35,4 +35,13 @@ TEST(GlDrawable, AttributesAreSetInPlaceAndCopied) {
   EXPECT_EQ(copy.GetDrawingAttributes()->GetLineStipplePattern(), 0x00FF);
 }
 
+TEST(GlDrawable, AssignmentToTheBaseCopiesTheAttributes) {
+  Blank drawable;
+  drawable.GetDrawingAttributes()->SetLineStipplePattern(0x00FF);
+  Blank other;
+  GlDrawable& base = other;
+  base = drawable;
+  EXPECT_EQ(other.GetDrawingAttributes()->GetLineStipplePattern(), 0x00FF);
+}
+
 }  // namespace
