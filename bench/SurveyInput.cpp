@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "bench/Measurement.h"
+#include "bench/SurveyFile.h"
 #include "testing/MakeSurvey.h"
 
 namespace qeltin::bench {
@@ -132,6 +133,7 @@ std::vector<IPoint> MakeSurveyInput(std::string const& name, int count) {
   if (name == "exact_grid") return Grid(count, 0.0, dice);
   if (name == "single_beam") return SingleBeam(count, dice);
   if (name == "two_clusters") return TwoClusters(count, dice);
+  if (name.ends_with(".xyz")) return ReadSurveyFile(name, count);
   Reject("input " + name);
 }
 

@@ -16,6 +16,7 @@
 //   exact_grid     row by row at whole metres
 //   single_beam    soundings along parallel tracks, rounded to centimetres
 //   two_clusters   two dense heaps a thousand kilometres apart, in turn at random
+//   NAME.xyz       a real survey, see ReadSurveyFile
 namespace qeltin::bench {
 
 // Ends the program as Reject does where `name` is none of these.

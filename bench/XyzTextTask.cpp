@@ -19,17 +19,19 @@ double MeanCoordinate(std::vector<IPoint> const& points) {
 
 int RunXyzText(int argc, char** argv, ReadText read, WriteText write) {
   Task const task = ParseTask(argc, argv, {"read", "write"});
+  bool const reads = task.work == "read";
+  if (reads ? read == nullptr : write == nullptr) Reject("work " + task.work);
   TextForm const form = task.input == "single_beam" ? TextForm::Blanks : TextForm::Commas;
   ScratchFile const file("xyz");
   std::vector<IPoint> points = MakeSurveyInput(task.input, task.size);
-  if (task.work == "read") {
+  if (reads) {
     PrintPoints(file, form, points);
     points = std::vector<IPoint>();
   }
 
   Measurement measurement;
   measurement.Start();
-  if (task.work == "read") {
+  if (reads) {
     read(file, form, points);
   } else {
     write(file, points);

@@ -18,7 +18,7 @@ enum class TextForm { Commas, Blanks };
 using ReadText = void (*)(ScratchFile const& file, TextForm form, std::vector<IPoint>& points);
 using WriteText = void (*)(ScratchFile const& file, std::vector<IPoint> const& points);
 
-// A whole program: call it from main.
+// A whole program: call it from main. A null function stands for work that it cannot do.
 int RunXyzText(int argc, char** argv, ReadText read, WriteText write);
 
 // Writes one line a point with the C runtime's formatted output.

@@ -3,6 +3,7 @@
 //   create       Create, in the order of the input
 #include "bench/BuildSurface.h"
 #include "bench/Measurement.h"
+#include "testing/TINPeer.h"
 
 using namespace qeltin::bench;
 
@@ -16,6 +17,16 @@ int VisibleTriangles(TIN const& tin) {
     if (tin.GetTriangle(i, false) != nullptr) ++visible;
   }
   return visible;
+}
+
+template <typename T>
+double BytesOf(TArray<T> const& pool) {
+  return static_cast<double>(sizeof(T) + sizeof(int)) * pool.m_iCapacity;
+}
+
+double PoolBytes(TIN const& tin) {
+  using qeltin::testing::TINPeer;
+  return BytesOf(*TINPeer::Points(tin)) + BytesOf(*TINPeer::Triangles(tin));
 }
 
 }  // namespace
@@ -35,5 +46,6 @@ int main(int argc, char** argv) {
   measurement.Stop();
 
   measurement.AddFact("triangles", VisibleTriangles(tin));
+  measurement.AddFact("pool_bytes", PoolBytes(tin));
   measurement.Report(task);
 }

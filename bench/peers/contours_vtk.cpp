@@ -5,6 +5,8 @@
 #include <vtkPolyData.h>
 #include <vtkStripper.h>
 
+#include <cmath>
+
 #include "bench/BuildSurface.h"
 #include "bench/HeightLevels.h"
 #include "bench/Measurement.h"
@@ -27,6 +29,24 @@ namespace {
   stripper.Update();
 }
 
+// In plan.
+double LengthOf(vtkPolyData& lines) {
+  double length = 0.0;
+  vtkCellArray* const cells = lines.GetLines();
+  vtkIdType size = 0;
+  vtkIdType const* corners = nullptr;
+  for (cells->InitTraversal(); cells->GetNextCell(size, corners) != 0;) {
+    for (vtkIdType k = 1; k < size; ++k) {
+      double p[3];
+      double q[3];
+      lines.GetPoint(corners[k - 1], p);
+      lines.GetPoint(corners[k], q);
+      length += std::hypot(q[0] - p[0], q[1] - p[1]);
+    }
+  }
+  return length;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -44,6 +64,6 @@ int main(int argc, char** argv) {
   measurement.Start();
   Contour(*mesh, levels, *stripper);
   measurement.Stop();
-  measurement.AddFact("crossings", static_cast<double>(stripper->GetOutput()->GetNumberOfPoints()));
+  measurement.AddFact("length", LengthOf(*stripper->GetOutput()));
   measurement.Report(task);
 }

@@ -1,6 +1,5 @@
 // The work of grid by CGAL: each node from the face of the one before, then the plane of the face.
-#include <cmath>
-
+#include "bench/FinestLattice.h"
 #include "bench/Measurement.h"
 #include "bench/SurveyInput.h"
 #include "bench/peers/SurfaceCgal.h"
@@ -14,28 +13,15 @@ struct Node {
   IPoint point{};
 };
 
-struct Grid {
-  int columns = 0;
-  int rows = 0;
-  std::vector<Node> nodes;
-};
-
-constexpr double FINEST_SHARE = 0.0010000000474974513;
-
-[[gnu::noinline]] void SampleSurface(Grid& grid, Flat const& flat, Box const& box) {
-  double const width = box.max.x - box.min.x;
-  double const height = box.max.y - box.min.y;
-  double const dx = width * FINEST_SHARE;
-  double const dy = height * FINEST_SHARE;
-  grid.columns = static_cast<int>(std::ceil(width / dx)) + 1;
-  grid.rows = static_cast<int>(std::ceil(height / dy)) + 1;
-  grid.nodes.resize(static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.rows));
+[[gnu::noinline]] void SampleSurface(std::vector<Node>& nodes, Flat const& flat,
+                                     Lattice const& lattice, Box const& box) {
+  nodes.resize(static_cast<std::size_t>(lattice.columns) * static_cast<std::size_t>(lattice.rows));
   Flat::Face_handle near;
-  Node* node = grid.nodes.data();
+  Node* node = nodes.data();
   double y = box.min.y;
-  for (int j = 0; j < grid.rows; ++j, y += dy) {
+  for (int j = 0; j < lattice.rows; ++j, y += lattice.dy) {
     double x = box.min.x;
-    for (int i = 0; i < grid.columns; ++i, x += dx, ++node) {
+    for (int i = 0; i < lattice.columns; ++i, x += lattice.dx, ++node) {
       if (x > box.max.x || y > box.max.y) continue;
       Point const p(x, y);
       near = flat.locate(p, near);
@@ -50,26 +36,26 @@ constexpr double FINEST_SHARE = 0.0010000000474974513;
 int main(int argc, char** argv) {
   Task const task = ParseTask(argc, argv, {"grid"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
-
   Box const box = BoxOf(points);
+  Lattice const lattice = FinestLattice(box);
 
   Measurement measurement;
   Flat flat;
   Build(flat, points);
-  Grid grid;
+  std::vector<Node> nodes;
 
   measurement.Start();
-  SampleSurface(grid, flat, box);
+  SampleSurface(nodes, flat, lattice, box);
   measurement.Stop();
 
   int found = 0;
   double sum = 0.0;
-  for (Node const& node : grid.nodes) {
+  for (Node const& node : nodes) {
     if (!node.valid) continue;
     ++found;
     sum += node.point.z;
   }
-  measurement.AddFact("nodes", grid.columns * grid.rows);
+  measurement.AddFact("nodes", lattice.columns * lattice.rows);
   measurement.AddFact("found", found);
   measurement.AddFact("mean_height", sum / found);
   measurement.Report(task);

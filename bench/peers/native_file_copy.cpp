@@ -1,7 +1,10 @@
-// As many bytes as native_file writes for this input, out of memory to the disk and back in one
-// call each: what the system alone takes.
-#include <cstdio>
-#include <vector>
+// As many bytes as native_file writes for this input, out of memory to a file and back in one call
+// each: what the system alone takes.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
 
 #include "bench/Measurement.h"
 #include "bench/ScratchFile.h"
@@ -13,20 +16,30 @@ namespace {
 // With its two triangles.
 double BytesAPoint(bool trimble) { return 24.0 + 2 * (trimble ? 24.0 : 26.0); }
 
-[[gnu::noinline]] void SaveBytes(std::vector<char> const& bytes, ScratchFile const& file) {
-  std::FILE* const stream = std::fopen(file.Name(), "w");
-  if (stream == nullptr) return;
-  std::fwrite(bytes.data(), 1, bytes.size(), stream);
-  std::fclose(stream);
-  file.Sync();
+using Bytes = std::unique_ptr<char[]>;
+
+[[gnu::noinline]] void SaveBytes(Bytes const& bytes, std::size_t size, ScratchFile const& file) {
+  int const descriptor = open(file.Name(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  if (descriptor < 0) return;
+  for (std::size_t done = 0; done < size;) {
+    ssize_t const count = write(descriptor, bytes.get() + done, size - done);
+    if (count <= 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  fsync(descriptor);
+  close(descriptor);
 }
 
-[[gnu::noinline]] void LoadBytes(std::vector<char>& bytes, ScratchFile const& file) {
-  std::FILE* const stream = std::fopen(file.Name(), "r");
-  if (stream == nullptr) return;
-  bytes.resize(static_cast<std::size_t>(file.Size()));
-  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), stream));
-  std::fclose(stream);
+[[gnu::noinline]] void LoadBytes(Bytes& bytes, std::size_t size, ScratchFile const& file) {
+  int const descriptor = open(file.Name(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  bytes.reset(new char[size]);
+  for (std::size_t done = 0; done < size;) {
+    ssize_t const count = read(descriptor, bytes.get() + done, size - done);
+    if (count <= 0) break;
+    done += static_cast<std::size_t>(count);
+  }
+  close(descriptor);
 }
 
 }  // namespace
@@ -35,18 +48,20 @@ int main(int argc, char** argv) {
   Task const task = ParseTask(argc, argv, {"save", "load", "load_trimble"});
   ScratchFile const file("bytes");
   bool const trimble = task.work == "load_trimble";
-  std::vector<char> bytes(static_cast<std::size_t>(BytesAPoint(trimble) * task.size), 'x');
+  auto const size = static_cast<std::size_t>(BytesAPoint(trimble) * task.size);
+  Bytes bytes(new char[size]);
+  std::fill_n(bytes.get(), size, 'x');
   if (task.work != "save") {
-    SaveBytes(bytes, file);
-    bytes = std::vector<char>();
+    SaveBytes(bytes, size, file);
+    bytes.reset();
   }
 
   Measurement measurement;
   measurement.Start();
   if (task.work == "save") {
-    SaveBytes(bytes, file);
+    SaveBytes(bytes, size, file);
   } else {
-    LoadBytes(bytes, file);
+    LoadBytes(bytes, size, file);
   }
   measurement.Stop();
 

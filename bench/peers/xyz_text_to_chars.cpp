@@ -1,5 +1,4 @@
-// std::from_chars over the whole file at once, std::to_chars into a block: what a program of few
-// lines can reach that trusts its input.
+// std::to_chars into a block: what a program of few lines can reach.
 #include <charconv>
 #include <cstdio>
 #include <string>
@@ -9,27 +8,6 @@
 using namespace qeltin::bench;
 
 namespace {
-
-std::string ReadWhole(ScratchFile const& file) {
-  std::string text(static_cast<std::size_t>(file.Size()), '\0');
-  std::FILE* const stream = std::fopen(file.Name(), "r");
-  if (stream == nullptr) return {};
-  text.resize(std::fread(text.data(), 1, text.size(), stream));
-  std::fclose(stream);
-  return text;
-}
-
-[[gnu::noinline]] void ReadByFromChars(ScratchFile const& file, TextForm,
-                                       std::vector<IPoint>& points) {
-  std::string const text = ReadWhole(file);
-  char const* at = text.data();
-  char const* const end = at + text.size();
-  while (at < end) {
-    double values[3];
-    for (double& value : values) at = std::from_chars(at, end, value).ptr + 1;  // and a separator
-    points.push_back({values[0], values[1], values[2]});
-  }
-}
 
 [[gnu::noinline]] void WriteByToChars(ScratchFile const& file, std::vector<IPoint> const& points) {
   constexpr std::size_t BLOCK = 1 << 16;
@@ -57,4 +35,4 @@ std::string ReadWhole(ScratchFile const& file) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return RunXyzText(argc, argv, ReadByFromChars, WriteByToChars); }
+int main(int argc, char** argv) { return RunXyzText(argc, argv, nullptr, WriteByToChars); }
