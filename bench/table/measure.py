@@ -13,7 +13,7 @@ from pathlib import Path
 TOLERANCES = {
     "triangles": 0.1, "found": 1e-3, "sides_crossed": 5e-3, "mean_height": 1e-4,
     "points": 1e-4, "mean_coordinate": 1e-12, "file_bytes": 1e-4, "keys": 0.0,
-    "left": 0.02, "covered": 1e-3, "above": 1e-3, "below": 1e-3,
+    "left": 0.02, "covered": 1e-3, "crossings": 0.03, "above": 1e-3, "below": 1e-3,
     "nodes": 0.0, "length": 0.03, "frames": 0.0,
 }
 

@@ -23,6 +23,15 @@ struct TriangleTail {
 };
 static_assert(sizeof(TriangleTail) == 2);
 
+// A triangle of version 3, by ordinals.
+struct [[gnu::packed]] TriangleRecord {
+  std::int32_t corners[3];
+  std::int32_t adjacent[3];
+  std::uint8_t flags;
+  std::uint8_t reserved;
+};
+static_assert(sizeof(TriangleRecord) == 26);
+
 constexpr std::int32_t NO_ORDINAL = -1;
 
 }  // namespace qeltin::detail

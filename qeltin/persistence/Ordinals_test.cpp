@@ -2,11 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "qeltin/kernel/TPoint.h"
 
 namespace {
 
 using qeltin::detail::Ordinals;
+
+// Whether the live order is that of the slots, or another one.
+class OrdinalsOf : public ::testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Pool, OrdinalsOf, ::testing::Bool());
 
 TEST(Ordinals, AnswerThePositionInLiveOrder) {
   TArray<TPoint> pool(100);
@@ -17,16 +23,22 @@ TEST(Ordinals, AnswerThePositionInLiveOrder) {
   for (int i = 0; i < 50; ++i) EXPECT_EQ(ordinals.Of(pool.At(i)), i);
 }
 
-TEST(Ordinals, WhatIsNotLiveHasNone) {
+TEST_P(OrdinalsOf, WhatIsNotLiveHasNone) {
   TArray<TPoint> pool(4);
   pool.Add(TPoint());
+  pool.Add(TPoint());
+  bool const inSlotOrder = GetParam();
+  if (!inSlotOrder) std::swap(pool.m_pIndex[0], pool.m_pIndex[1]);
   TPoint const other;
   Ordinals<TPoint> const ordinals(&pool);
   EXPECT_EQ(ordinals.Of(nullptr), -1);
   EXPECT_EQ(ordinals.Of(&other), -1);
-  EXPECT_EQ(ordinals.Of(pool.m_pData + 1), -1);  // a free slot
+  EXPECT_EQ(ordinals.Of(pool.m_pData), inSlotOrder ? 0 : 1);
+  EXPECT_EQ(ordinals.Of(pool.m_pData + 1), inSlotOrder ? 1 : 0);
+  EXPECT_EQ(ordinals.Of(pool.m_pData + 2), -1);  // a free slot
   EXPECT_EQ(ordinals.Of(pool.m_pData + 4), -1);  // behind the last one
-  EXPECT_EQ(ordinals.Of(pool.m_pData - 1), -1);
+  int volatile one = 1;
+  EXPECT_EQ(ordinals.Of(pool.m_pData - one), -1);
   auto const* inside = reinterpret_cast<TPoint const*>(&pool.m_pData->y);
   EXPECT_EQ(ordinals.Of(inside), -1);
 }

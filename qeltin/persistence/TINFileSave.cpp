@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <cerrno>
+#include <memory>
+#include <new>
 
 #include "qeltin/persistence/NativeFormat.h"
 #include "qeltin/persistence/Ordinals.h"
@@ -6,13 +9,16 @@
 
 using qeltin::detail::NATIVE_MAGIC;
 using qeltin::detail::Ordinals;
-using qeltin::detail::TriangleTail;
+using qeltin::detail::TriangleRecord;
 
 namespace {
 
+// How many records are handed on at once: more than the stream would take into its buffer, so that
+// they are not copied once more.
+constexpr std::int32_t BLOCK = 16'384;
+
 // How many elements ahead memory is fetched. The live order may be a random one.
-constexpr std::int32_t NEAR = 8;
-constexpr std::int32_t FAR = 16;
+constexpr std::int32_t AHEAD = 24;
 
 template <typename T>
 std::int32_t Count(TArray<T> const* pool) {
@@ -23,36 +29,47 @@ void WriteInt(FileStream& out, std::int32_t value) { out.Write(&value, sizeof va
 
 void WritePoint(FileStream& out, TPoint const& p) { out.Write(&p, sizeof p); }
 
-void WritePoints(FileStream& out, TArray<TPoint> const* pool) {
-  std::int32_t const count = Count(pool);
+// Writes `count` records, the one at a position being what `record` answers for it. Returns false
+// where there is no memory for a block of them.
+template <typename Record, typename RecordAt>
+bool WriteRecords(FileStream& out, std::int32_t count, RecordAt const& record) {
+  std::unique_ptr<Record[]> const block(new (std::nothrow) Record[std::min(BLOCK, count)]);
+  if (block == nullptr) return false;
   WriteInt(out, count);
-  for (std::int32_t i = 0; i < count; ++i) {
-    if (i + FAR < count) __builtin_prefetch(pool->At(i + FAR));
-    WritePoint(out, *pool->At(i));
+  for (std::int32_t first = 0; first < count; first += BLOCK) {
+    std::int32_t const size = std::min(BLOCK, count - first);
+    for (std::int32_t i = 0; i < size; ++i) block[i] = record(first + i);
+    out.Write(block.get(), sizeof(Record) * static_cast<std::size_t>(size));
   }
+  return true;
 }
 
-void WriteTriangles(FileStream& out, TArray<TTriangle> const* pool, Ordinals<TPoint> const& points,
+bool WritePoints(FileStream& out, TArray<TPoint> const* pool) {
+  std::int32_t const count = Count(pool);
+  return WriteRecords<TPoint>(out, count, [=](std::int32_t i) {
+    if (i + AHEAD < count) __builtin_prefetch(pool->At(i + AHEAD));
+    return *pool->At(i);
+  });
+}
+
+bool WriteTriangles(FileStream& out, TArray<TTriangle> const* pool, Ordinals<TPoint> const& points,
                     Ordinals<TTriangle> const& triangles) {
   std::int32_t const count = Count(pool);
-  WriteInt(out, count);
-  for (std::int32_t i = 0; i < count; ++i) {
-    if (i + FAR < count) __builtin_prefetch(pool->At(i + FAR));
-    if (i + NEAR < count) {
-      TTriangle const& next = *pool->At(i + NEAR);
+  return WriteRecords<TriangleRecord>(out, count, [&](std::int32_t i) {
+    if (i + 2 * AHEAD < count) __builtin_prefetch(pool->At(i + 2 * AHEAD));
+    if (i + AHEAD < count) {
+      TTriangle const& next = *pool->At(i + AHEAD);
       for (TPoint const* corner : next.m_pVertex) points.Fetch(corner);
       for (TTriangle const* adjacent : next.m_pAdjacent) triangles.Fetch(adjacent);
     }
     TTriangle const& t = *pool->At(i);
-    std::int32_t ordinals[6];
-    for (int k = 0; k < 3; ++k) {
-      ordinals[k] = points.Of(t.m_pVertex[k]);
-      ordinals[3 + k] = triangles.Of(t.m_pAdjacent[k]);
-    }
-    out.Write(ordinals, sizeof ordinals);
-    TriangleTail const tail = {t.m_Flags, t.m_Reserved};
-    out.Write(&tail, sizeof tail);
-  }
+    TPoint* const* const v = t.m_pVertex;
+    TTriangle* const* const a = t.m_pAdjacent;
+    return TriangleRecord{{points.Of(v[0]), points.Of(v[1]), points.Of(v[2])},
+                          {triangles.Of(a[0]), triangles.Of(a[1]), triangles.Of(a[2])},
+                          t.m_Flags,
+                          t.m_Reserved};
+  });
 }
 
 }  // namespace
@@ -87,7 +104,6 @@ bool TINFile::WriteTables(TIN const& tin) {
   WritePoint(out, tin.m_WorldMin);
   WritePoint(out, tin.m_WorldMax);
 
-  WritePoints(out, tin.m_pPoints);
-  WriteTriangles(out, tin.m_pTriangles, points, triangles);
-  return true;
+  return WritePoints(out, tin.m_pPoints) &&
+         WriteTriangles(out, tin.m_pTriangles, points, triangles);
 }

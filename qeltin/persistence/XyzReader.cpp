@@ -6,12 +6,15 @@
 #include <new>
 
 #include "qeltin/persistence/NumberScanner.h"
+#include "qeltin/persistence/PlainNumber.h"
 
 using qeltin::detail::NumberScanner;
+using qeltin::detail::ScanPlainNumber;
 
 namespace {
 
 constexpr std::ptrdiff_t BUFFER_SIZE = std::ptrdiff_t{256} << 10;
+constexpr std::ptrdiff_t BEYOND = 8;  // bytes behind it that a scan may look at
 
 bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -25,7 +28,7 @@ XyzReader::XyzReader(int descriptor) : m_Stream(descriptor) { MakeBuffer(); }
 XyzReader::~XyzReader() = default;
 
 void XyzReader::MakeBuffer() {
-  m_pBuffer.reset(new (std::nothrow) char[BUFFER_SIZE + 1]);
+  m_pBuffer.reset(new (std::nothrow) char[BUFFER_SIZE + BEYOND]());
   if (m_pBuffer == nullptr) {
     m_End = End::READ_ERROR;
     return;
@@ -56,7 +59,7 @@ bool XyzReader::Next(TPoint& p) {
   bool const more = SkipSpace();
   m_pTriple = m_pNext;
   TPoint scanned;
-  if (more && ScanTriple(scanned)) {
+  if (more && (ScanPlainTriple(scanned) || ScanTriple(scanned))) {
     p = scanned;
     ++m_iCount;
     return true;
@@ -64,6 +67,22 @@ bool XyzReader::Next(TPoint& p) {
   bool const failed = m_Stream.Error() != 0;
   m_End = failed ? End::READ_ERROR : more ? End::NO_TRIPLE : End::END_OF_FILE;
   return false;
+}
+
+// Scans a triple that lies within the buffer and holds plain numbers only. Returns false, with the
+// place where it was, for any other: that is left to ScanTriple.
+bool XyzReader::ScanPlainTriple(TPoint& p) {
+  if (m_Form == Form::UNKNOWN) return false;
+  char const* at = ScanPlainNumber(m_pNext, p.x);
+  for (double* value : {&p.y, &p.z}) {
+    if (at == nullptr) return false;
+    if (m_Form == Form::COMMA && *at++ != ',') return false;
+    while (IsSpace(*at)) ++at;
+    at = ScanPlainNumber(at, *value);
+  }
+  if (at == nullptr || at == m_pEnd) return false;
+  m_pNext += at - m_pNext;
+  return true;
 }
 
 bool XyzReader::ScanTriple(TPoint& p) {
@@ -84,7 +103,7 @@ bool XyzReader::ScanSeparator() {
 bool XyzReader::ScanNumber(double& value) {
   SkipSpace();
   for (;;) {
-    switch (ScanPlainNumber(value)) {
+    switch (ScanShortNumber(value)) {
       case Fast::DONE:
         return true;
       case Fast::ODD:
@@ -96,9 +115,9 @@ bool XyzReader::ScanNumber(double& value) {
   }
 }
 
-// Scans what nearly every number is, within the buffer: a sign, digits, a point, an exponent. ODD
+// Scans a number of ordinary form within the buffer: a sign, digits, a point, an exponent. ODD
 // for all others, and CUT where the number may go on beyond the buffer; the place stays then.
-XyzReader::Fast XyzReader::ScanPlainNumber(double& value) {
+XyzReader::Fast XyzReader::ScanShortNumber(double& value) {
   char* first = m_pNext;
   bool const plus = *first == '+';
   if (plus) ++first;

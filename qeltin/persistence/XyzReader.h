@@ -63,10 +63,11 @@ class QELTIN_API XyzReader {
  private:
   enum class Fast { DONE, ODD, CUT };
 
+  bool ScanPlainTriple(TPoint& p);
   bool ScanTriple(TPoint& p);
   bool ScanSeparator();
   bool ScanNumber(double& value);
-  Fast ScanPlainNumber(double& value);
+  Fast ScanShortNumber(double& value);
   bool ScanAnyNumber(double& value);
   bool SkipSpace();
   int Peek();
