@@ -53,11 +53,11 @@ def environment():
     return os.environ | {"TMPDIR": folder}
 
 
-def run(programs, program, work, survey, size):
+def run(programs, program, work, survey, size, limit_s=LONGEST_RUN_S):
     command = [programs / f"bench_{program}", work, survey, str(size)]
     try:
         done = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True,
-                              timeout=LONGEST_RUN_S, env=environment())
+                              timeout=limit_s, env=environment())
     except (OSError, subprocess.SubprocessError) as failure:
         raise Failure(str(failure)) from failure
     return json.loads(done.stdout)
