@@ -6,8 +6,8 @@
 
 namespace qeltin::bench {
 
-// The lattice that TGrid::Create lays over a box where no spacing is asked for: a thousandth of each
-// side, from the south-west corner, and a last column and row just beyond the box.
+// The lattice that TGrid::Create lays over a box where no spacing is asked for: a thousandth of
+// each side, from the south-west corner, and a last column and row just beyond the box.
 struct Lattice {
   double dx;
   double dy;

@@ -1,5 +1,5 @@
-// The fast_float library over the file mapped into memory: what a program of few lines can reach that
-// trusts its input.
+// The fast_float library over the file mapped into memory: what a program of few lines can reach
+// that trusts its input.
 #include <fast_float/fast_float.h>
 #include <fcntl.h>
 #include <sys/mman.h>

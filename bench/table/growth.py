@@ -109,7 +109,8 @@ def draw_panel(axes, programs, lines, quick, title, below):
     axes.set_ylabel("seconds of processor time")
     axes.grid(True, which="major", color="#dddddd")
     axes.set_axisbelow(True)
-    axes.legend(loc="upper center", bbox_to_anchor=(0.5, -0.12), ncol=2, frameon=False)
+    axes.legend(loc="upper center", bbox_to_anchor=(0.5, -0.12), ncol=2, frameon=False,
+                fontsize=9, columnspacing=1.0)
 
 
 def draw(programs, picture, quick):
