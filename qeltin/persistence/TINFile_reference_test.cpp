@@ -5,6 +5,8 @@
 
 #include "qeltin/tin/TIN.h"
 #include "testing/MakeSurvey.h"
+#include "testing/NativeFileWriter.h"
+#include "testing/TINPeer.h"
 #include "testing/TemporaryFolder.h"
 #include "testing/VerifySurface.h"
 #include "testing/reference/NativeImage.h"
@@ -21,11 +23,14 @@ using qeltin::testing::Dice;
 using qeltin::testing::Extent;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
+using qeltin::testing::ModelOf;
 using qeltin::testing::NativeImage;
+using qeltin::testing::NativeVersion3;
 using qeltin::testing::ReferenceTin;
 using qeltin::testing::Survey;
 using qeltin::testing::TemporaryFolder;
 using qeltin::testing::TestSeed;
+using qeltin::testing::TINPeer;
 using qeltin::testing::Twin;
 using qeltin::testing::TwinScript;
 
@@ -56,6 +61,29 @@ TEST(NativeWriterReferenceEdge, SlotsThatAreNotLiveAreWrittenAsMinusOne) {
     script.calls.push_back(
         {.kind = qeltin::testing::TwinCall::SaveAndLoad, .p = {}, .position = 1});
     ASSERT_EQ(script.Play(), "") << script.Shrunk();
+  }
+}
+
+// The writer hands on some thousands of records at once, and need not look for a triangle whose
+// position is its slot.
+TEST(NativeWriterReferenceEdge, AFileOfAnyLengthIsWhole) {
+  constexpr int BLOCK = 16'384;
+  constexpr int SEED_CORNERS = 4;
+  TemporaryFolder const folder;
+  for (int count : {BLOCK / 2 - 1, BLOCK - SEED_CORNERS, BLOCK - SEED_CORNERS + 1}) {
+    std::vector<TPoint> const points = MakeSurvey(Survey::Uniform, count, TestSeed(), AT_UTM);
+    Extent const extent = ExtentOf(points);
+    TIN tin;
+    tin.Init(count, extent.min, extent.max);
+    for (TPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
+    tin.Triangulate();
+    ASSERT_EQ(tin.GetNumberOfPoints(), count + SEED_CORNERS);
+    ASSERT_EQ(tin.GetNumberOfTriangles(), 2 * count + 2);
+    for (bool shuffled : {false, true}) {
+      if (shuffled) TINPeer::Triangles(tin)->Shuffle();
+      ASSERT_TRUE(tin.SaveTin(folder.Wide("any.tin").c_str()));
+      ASSERT_TRUE(folder.Get("any.tin") == NativeVersion3(ModelOf(tin))) << count;
+    }
   }
 }
 

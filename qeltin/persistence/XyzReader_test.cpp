@@ -7,6 +7,11 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -405,6 +410,36 @@ TEST(XyzReader, TokenSoupIsReadAsByTheCRuntime) {
   TemporaryFolder folder;
   for (int i = 0; i < 8000; ++i) {
     ASSERT_NO_FATAL_FAILURE(ExpectAsScanned(folder, Soup(in)));
+  }
+}
+
+TEST(XyzReader, PlainTextOfManyBuffersIsReadAsByTheCRuntime) {
+  FormulaInputs in;
+  TemporaryFolder const folder;
+  for (char const* separator : {",", ", ", " ", "\t"}) {
+    std::string text;
+    while (text.size() < 3 * BUFFER) {
+      for (int k = 0; k < 3; ++k) {
+        char number[40];
+        double const largest = std::pow(10.0, in.Whole(0, 9));
+        std::snprintf(number, sizeof number, "%.*f", in.Whole(0, 8), in.Between(-largest, largest));
+        text += std::string(number) + (k < 2 ? separator : in.Whole(0, 8) == 0 ? " \r\n" : "\n");
+      }
+    }
+    ASSERT_NO_FATAL_FAILURE(ExpectAsScanned(folder, text));
+  }
+}
+
+TEST(XyzReader, RealSurveysAreReadAsByTheCRuntime) {
+  char const* const folder = std::getenv("QELTIN_SURVEYS");
+  if (folder == nullptr) GTEST_SKIP() << "QELTIN_SURVEYS names no folder of surveys";
+  TemporaryFolder const copies;
+  for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".xyz") continue;
+    SCOPED_TRACE(entry.path());
+    std::ifstream file(entry.path(), std::ios::binary);
+    std::string const text{std::istreambuf_iterator<char>(file), {}};
+    ASSERT_NO_FATAL_FAILURE(ExpectAsScanned(copies, text));
   }
 }
 
