@@ -94,7 +94,7 @@ def markdown(results, rounds, elapsed, command):
     made = machine()
     peers = ", ".join(f"{name} {upstream(made[name.lower()])}" for name in PACKAGES)
     lines = [
-        f"Made by `{command}` in {duration(elapsed)}: {rounds} rounds on {made['processor']}, "
+        f"Made by `{command}` in {duration(elapsed)}, medians of {rounds}, on {made['processor']}, "
         f"{made['cores']} cores, {made['memory_gib']:.0f} GiB, {made['system']}; "
         f"{made['compiler']}; {peers}.",
         "",
