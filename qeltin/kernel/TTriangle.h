@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "qeltin/kernel/Circumcircle.h"
 #include "qeltin/kernel/SideTest.h"
 #include "qeltin/kernel/TEdge.h"
 #include "qeltin/kernel/TPoint.h"
@@ -179,18 +180,10 @@ class QELTIN_API TTriangle {
     TPoint const& A = *m_pVertex[0];
     TPoint const& B = *m_pVertex[1];
     TPoint const& C = *m_pVertex[2];
-    double const a = B.y - A.y;
-    double const b = C.x - A.x;
-    double const c = C.y - A.y;
-    double const d = B.x - A.x;
-    double const e = (A.y + B.y) * a + (A.x + B.x) * d;
-    double const f = (C.y + A.y) * c + (C.x + A.x) * b;
-    double const g = (C.y - B.y) * d - (C.x - B.x) * a;
-    m_CentreX = (e * c - f * a) / (2 * g);
-    m_CentreY = (f * d - e * b) / (2 * g);
-    double const rx = m_CentreX - A.x;
-    double const ry = m_CentreY - A.y;
-    m_RadiusSq = rx * rx + ry * ry;
+    qeltin::detail::Circumcircle<double> const circle(A.x, A.y, B.x, B.y, C.x, C.y);
+    m_CentreX = circle.centre_x;
+    m_CentreY = circle.centre_y;
+    m_RadiusSq = circle.radius_sq;
   }
 
   // Swaps corners 0 and 1 where corner 2 lies to the left of them. Neighbours and circle stay, so a

@@ -69,12 +69,12 @@ std::uint32_t HilbertCode(std::uint32_t x, std::uint32_t y) {
 // Maps a box onto the square of the curve. Not-a-number and infinities go to its edge.
 class Raster {
  public:
-  void Widen(TPoint const& p) {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y)) return;
-    m_dLeft = std::min(m_dLeft, p.x);
-    m_dBottom = std::min(m_dBottom, p.y);
-    m_dRight = std::max(m_dRight, p.x);
-    m_dTop = std::max(m_dTop, p.y);
+  void Widen(double x, double y) {
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
+    m_dLeft = std::min(m_dLeft, x);
+    m_dBottom = std::min(m_dBottom, y);
+    m_dRight = std::max(m_dRight, x);
+    m_dTop = std::max(m_dTop, y);
   }
 
   // Ends the widening. Returns false where the box has no extent to speak of.
@@ -83,8 +83,8 @@ class Raster {
     return std::isfinite(m_dScale) && m_dScale > 0.0;
   }
 
-  std::uint32_t Code(TPoint const& p) const {
-    return HilbertCode(Cell(p.x - m_dLeft), Cell(p.y - m_dBottom));
+  std::uint32_t Code(double x, double y) const {
+    return HilbertCode(Cell(x - m_dLeft), Cell(y - m_dBottom));
   }
 
  private:
@@ -103,59 +103,67 @@ class Raster {
   double m_dScale = 0.0;
 };
 
-// A slot under its code, which stands in the high half: sorting the numbers sorts the places.
-using Place = std::uint64_t;
+constexpr int DIGIT = 8;  // bits of a code
+constexpr std::size_t VALUES = std::size_t{1} << DIGIT;
+constexpr std::size_t DIGITS = 4;
 
-Place MakePlace(std::uint32_t code, int slot) {
-  return Place{code} << 32 | static_cast<std::uint32_t>(slot);
+std::size_t DigitOf(std::uint32_t code, std::size_t digit) {
+  return code >> (digit * DIGIT) & (VALUES - 1);
 }
-std::uint32_t CodeOf(Place place) { return static_cast<std::uint32_t>(place >> 32); }
-int SlotOf(Place place) { return static_cast<int>(place & 0xFFFFFFFFU); }
 
-// Sorts by code, by radix from the lowest digit up. Both ranges hold `count` places; the result
-// stands in `places`.
-void SortByCode(Place* places, Place* scratch, std::size_t count) {
-  constexpr int DIGIT = 8;
-  constexpr std::size_t VALUES = std::size_t{1} << DIGIT;
-  constexpr std::size_t DIGITS = 4;
+// Where the points with each value of a digit begin.
+using Starts = std::array<std::uint32_t, VALUES>;
+
+// Turns counts into places.
+void SumUp(Starts& starts, std::uint32_t sum = 0) {
+  for (std::uint32_t& start : starts) sum += std::exchange(start, sum);
+}
+
+// Sorts by `digits` digits of the code from `lowest` up, an even number, or by the whole code. Both
+// ranges hold `count` points; the result stands in `points`.
+void SortByCode(OrderedPoint* points, OrderedPoint* scratch, std::size_t count, std::size_t lowest,
+                std::size_t digits) {
   if (count < VALUES) {
-    std::sort(places, places + count);
+    std::sort(points, points + count,
+              [](OrderedPoint const& a, OrderedPoint const& b) { return a.scratch < b.scratch; });
     return;
   }
-  std::array<std::array<std::uint32_t, VALUES>, DIGITS> starts{};
+  std::array<Starts, DIGITS> starts{};
   for (std::size_t i = 0; i < count; ++i) {
-    for (std::size_t d = 0; d < DIGITS; ++d) {
-      ++starts[d][CodeOf(places[i]) >> (d * DIGIT) & (VALUES - 1)];
+    for (std::size_t d = lowest; d < lowest + digits; ++d) {
+      ++starts[d][DigitOf(points[i].scratch, d)];
     }
   }
-  for (auto& digit : starts) {
-    std::uint32_t sum = 0;
-    for (std::uint32_t& start : digit) sum += std::exchange(start, sum);
+  for (std::size_t d = lowest; d < lowest + digits; ++d) {
+    SumUp(starts[d]);
     for (std::size_t i = 0; i < count; ++i) {
-      auto const d = static_cast<std::size_t>(&digit - starts.data());
-      scratch[digit[CodeOf(places[i]) >> (d * DIGIT) & (VALUES - 1)]++] = places[i];
+      scratch[starts[d][DigitOf(points[i].scratch, d)]++] = points[i];
     }
-    std::swap(places, scratch);  // an even number of digits: the result ends where it began
+    std::swap(points, scratch);
   }
 }
 
-// Puts the places into the order of the curve through their own box. Where many share one cell, as
-// in clusters far apart, the curve goes on through the box of those.
-void FollowCurve(TPoint const* points, Place* places, Place* scratch, std::size_t count) {
-  Raster raster;
-  for (std::size_t i = 0; i < count; ++i) raster.Widen(points[SlotOf(places[i])]);
-  if (!raster.Close()) return;
-  for (std::size_t i = 0; i < count; ++i) {
-    int const slot = SlotOf(places[i]);
-    places[i] = MakePlace(raster.Code(points[slot]), slot);
-  }
-  SortByCode(places, scratch, count);
+void FollowCurve(OrderedPoint* points, OrderedPoint* scratch, std::size_t count);
+
+// Has the curve go on inside of cells that many of the sorted points share, as in clusters far
+// apart, through the box of those. A cell is what codes have in common but for the lowest digit.
+void FollowCurveInside(OrderedPoint* points, OrderedPoint* scratch, std::size_t count) {
   for (std::size_t begin = 0; begin < count;) {
     std::size_t end = begin + 1;
-    while (end < count && CodeOf(places[end]) == CodeOf(places[begin])) ++end;
-    if (end - begin > CROWDED) FollowCurve(points, places + begin, scratch + begin, end - begin);
+    while (end < count && points[end].scratch >> DIGIT == points[begin].scratch >> DIGIT) ++end;
+    if (end - begin > CROWDED) FollowCurve(points + begin, scratch + begin, end - begin);
     begin = end;
   }
+}
+
+// Puts the points into the order of the curve through their own box.
+void FollowCurve(OrderedPoint* points, OrderedPoint* scratch, std::size_t count) {
+  Raster raster;
+  for (std::size_t i = 0; i < count; ++i) raster.Widen(points[i].x, points[i].y);
+  if (!raster.Close()) return;
+  for (std::size_t i = 0; i < count; ++i) points[i].scratch = raster.Code(points[i].x, points[i].y);
+  SortByCode(points, scratch, count, 0, DIGITS);
+  FollowCurveInside(points, scratch, count);
 }
 
 // Returns where each round begins among `count` points, and `count` at the end.
@@ -171,34 +179,62 @@ std::vector<int> RoundStarts(int count) {
 
 }  // namespace
 
-std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int count) {
-  if (count == 0) return {};
+void OrderInRounds(TPoint const* points, int const* shuffled, int count, OrderedPoint* ordered,
+                   OrderedPoint* scratch) {
+  if (count == 0) return;
   std::vector<int> const starts = RoundStarts(count);
+  std::size_t const rounds = starts.size() - 1;
 
   // Each point is given to its round in slot order, which reads the points in one sweep.
-  int const slots = *std::max_element(shuffled, shuffled + count) + 1;
-  std::vector<std::uint8_t> round_of(static_cast<std::size_t>(slots), NO_ROUND);
-  for (std::size_t round = 0; round + 1 < starts.size(); ++round) {
+  int const last = *std::max_element(shuffled, shuffled + count);
+  std::size_t const slots = static_cast<std::size_t>(last) + 1;
+  std::vector<std::uint8_t> round_of(slots, NO_ROUND);
+  for (std::size_t round = 0; round < rounds; ++round) {
     for (int i = starts[round]; i < starts[round + 1]; ++i) {
       round_of[static_cast<std::size_t>(shuffled[i])] = static_cast<std::uint8_t>(round);
     }
   }
+  Raster raster;
+  for (std::size_t slot = 0; slot < slots; ++slot) {
+    if (round_of[slot] != NO_ROUND) raster.Widen(points[slot].x, points[slot].y);
+  }
+  bool const has_extent = raster.Close();
+  std::vector<std::uint32_t> codes(slots);
+  std::vector<Starts> filled(rounds);
+  for (std::size_t slot = 0; slot < slots; ++slot) {
+    if (round_of[slot] == NO_ROUND) continue;
+    if (has_extent) codes[slot] = raster.Code(points[slot].x, points[slot].y);
+    ++filled[round_of[slot]][DigitOf(codes[slot], DIGITS - 1)];
+  }
+  for (std::size_t round = 0; round < rounds; ++round) {
+    SumUp(filled[round], static_cast<std::uint32_t>(starts[round]));
+  }
+  for (std::size_t slot = 0; slot < slots; ++slot) {
+    if (round_of[slot] == NO_ROUND) continue;
+    TPoint const& p = points[slot];
+    ordered[filled[round_of[slot]][DigitOf(codes[slot], DIGITS - 1)]++] = {
+        p.x, p.y, p.z, static_cast<int>(slot), codes[slot]};
+  }
+  // Now the points are in order as far as the first digit goes, in parts that fit into a cache.
+  std::size_t begin = 0;
+  for (Starts const& ends : filled) {
+    for (std::uint32_t const end : ends) {
+      SortByCode(ordered + begin, scratch + begin, end - begin, 1, DIGITS - 2);
+      FollowCurveInside(ordered + begin, scratch + begin, end - begin);
+      begin = end;
+    }
+  }
+}
+
+std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int count) {
   auto const size = static_cast<std::size_t>(count);
-  std::vector<Place> places(size);
-  std::vector<Place> scratch(size);
-  std::vector<int> filled(starts);
-  for (int slot = 0; slot < slots; ++slot) {
-    std::uint8_t const round = round_of[static_cast<std::size_t>(slot)];
-    if (round != NO_ROUND) places[static_cast<std::size_t>(filled[round]++)] = MakePlace(0, slot);
-  }
-  for (std::size_t round = 0; round + 1 < starts.size(); ++round) {
-    auto const begin = static_cast<std::size_t>(starts[round]);
-    auto const end = static_cast<std::size_t>(starts[round + 1]);
-    FollowCurve(points, &places[begin], &scratch[begin], end - begin);
-  }
-  std::vector<int> order(size);
-  std::transform(&places[0], &places[0] + size, order.begin(), SlotOf);
-  return order;
+  std::vector<OrderedPoint> ordered(size);
+  std::vector<OrderedPoint> scratch(size);
+  OrderInRounds(points, shuffled, count, ordered.data(), scratch.data());
+  std::vector<int> slots(size);
+  std::transform(ordered.begin(), ordered.end(), slots.begin(),
+                 [](OrderedPoint const& p) { return p.slot; });
+  return slots;
 }
 
 std::vector<int> RandomOrder(TPoint const* points, int count) {

@@ -11,6 +11,7 @@
 
 namespace {
 
+using qeltin::detail::OrderedPoint;
 using qeltin::detail::OrderInRounds;
 using qeltin::detail::RandomOrder;
 using qeltin::testing::Dice;
@@ -64,6 +65,22 @@ TEST(InsertionOrder, EverySlotComesOnceWhateverThePoints) {
     std::vector<int> slots(static_cast<std::size_t>(count));
     std::iota(slots.begin(), slots.end(), 0);
     EXPECT_EQ(order, slots) << count;
+  }
+}
+
+TEST(InsertionOrder, PointsComeWithTheirSlotsAndHeights) {
+  Dice dice(TestSeed());
+  std::vector<TPoint> points;
+  for (int i = 0; i < 3000; ++i) points.emplace_back(dice.Unit(), dice.Unit(), i);
+  std::vector<int> const shuffled = Shuffled(3000, dice);
+  std::vector<OrderedPoint> ordered(3000);
+  std::vector<OrderedPoint> scratch(3000);
+  OrderInRounds(points.data(), shuffled.data(), 3000, ordered.data(), scratch.data());
+  std::vector<int> const order = Order(points, shuffled);
+  for (std::size_t i = 0; i < 3000; ++i) {
+    ASSERT_EQ(ordered[i].slot, order[i]);
+    EXPECT_EQ(TPoint(ordered[i].x, ordered[i].y, ordered[i].z),
+              points[static_cast<std::size_t>(order[i])]);
   }
 }
 

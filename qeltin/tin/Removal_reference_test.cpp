@@ -1,15 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "qeltin/tin/TIN.h"
 #include "testing/MakeSurvey.h"
+#include "testing/RealSurveys.h"
 #include "testing/VerifySurface.h"
 #include "testing/reference/Twin.h"
 
@@ -25,6 +22,8 @@ using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::Place;
 using qeltin::testing::PLACES;
+using qeltin::testing::ReadPoints;
+using qeltin::testing::RealSurveys;
 using qeltin::testing::SurfaceRules;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
@@ -88,25 +87,11 @@ INSTANTIATE_TEST_SUITE_P(All, RemovalReference,
 
 // --- Real surveys -----------------------------------------------------------------------------
 
-std::vector<TPoint> ReadPoints(std::filesystem::path const& path) {
-  std::vector<TPoint> points;
-  std::ifstream file(path);
-  TPoint p;
-  for (std::string line; std::getline(file, line);) {
-    if (std::sscanf(line.c_str(), "%lf%*[ ,]%lf%*[ ,]%lf", &p.x, &p.y, &p.z) == 3) {
-      points.push_back(p);
-    }
-  }
-  return points;
-}
-
 TEST(RemovalReferenceSurveys, AreEqualAndCompactToASoundSurface) {
-  char const* const folder = std::getenv("QELTIN_SURVEYS");
-  if (folder == nullptr) GTEST_SKIP() << "QELTIN_SURVEYS names no folder of surveys";
+  if (RealSurveys().empty()) GTEST_SKIP() << "QELTIN_SURVEYS names no folder of surveys";
   Dice dice(TestSeed());
-  for (auto const& entry : std::filesystem::directory_iterator(folder)) {
-    if (entry.path().extension() != ".xyz") continue;
-    std::vector<TPoint> const points = ReadPoints(entry.path());
+  for (auto const& path : RealSurveys()) {
+    std::vector<TPoint> const points = ReadPoints(path);
     Extent const extent = ExtentOf(points);
     int const count = static_cast<int>(points.size());
     Twin twin(count);
@@ -114,12 +99,12 @@ TEST(RemovalReferenceSurveys, AreEqualAndCompactToASoundSurface) {
     twin.AddPoints(points);
     twin.BuildPointMap();
     EXPECT_GT(RemoveAtRandom(twin, 2 * count, false, dice), count / 4);
-    ASSERT_EQ(twin.Fault(), "") << entry.path();
-    EXPECT_TRUE(twin.Tin().Compact()) << entry.path();
+    ASSERT_EQ(twin.Fault(), "") << path;
+    EXPECT_TRUE(twin.Tin().Compact()) << path;
     SurfaceRules rules;
     rules.delaunay = false;
     auto const report = VerifySurface(twin.Tin(), rules);
-    EXPECT_TRUE(report.Ok()) << entry.path() << report;
+    EXPECT_TRUE(report.Ok()) << path << report;
   }
 }
 

@@ -378,6 +378,11 @@ class QELTIN_API TIN {
   TPoint* AddPoint(TPoint* p, TTriangle* start);
   bool Seed();
 
+  // Inserts the first `count` points of the shuffled live order, in rounds, into a surface that is
+  // its seed alone. Returns the slots of those that take an AddPoint each, in the order for it: all
+  // of them where the surface is of another kind.
+  std::vector<int> InsertInBulk(int count);
+
   // Adds the points in random order through the public AddPoint.
   void InsertInRandomOrder(std::vector<TPoint> const& points);
 

@@ -1,16 +1,11 @@
 #include <cassert>
 #include <cstdlib>
 
+#include "qeltin/tin/BulkMesh.h"
 #include "qeltin/tin/InsertionOrder.h"
 #include "qeltin/tin/TIN.h"
 
-using qeltin::detail::OrderInRounds;
-
-namespace {
-
-constexpr std::size_t LOOK_AHEAD = 8;  // points fetched before their turn
-
-}  // namespace
+using qeltin::detail::BulkMesh;
 
 void TIN::LoadPoint(double x, double y, double z) {
   if (m_pPointMap != nullptr) m_pPointMap->ForgetIndex();
@@ -21,16 +16,29 @@ bool TIN::Triangulate() {
   m_pPoints->Shuffle();
   int const loaded = m_pPoints->m_iCount;
   if (!Seed()) return false;
-
-  TPoint* const points = m_pPoints->m_pData;
-  std::vector<int> const order = OrderInRounds(points, m_pPoints->m_pIndex, loaded);
-  for (std::size_t i = 0; i < order.size(); ++i) {
-    if (i + LOOK_AHEAD < order.size()) __builtin_prefetch(points + order[i + LOOK_AHEAD]);
-    TPoint* const p = points + order[i];
+  for (int slot : InsertInBulk(loaded)) {
+    TPoint* const p = m_pPoints->m_pData + slot;
     AddPoint(p, m_bTiling ? m_Triangulator.FindNext(*p) : nullptr);
   }
   for (int i = loaded; i < m_pPoints->m_iCount; ++i) AddPoint(m_pPoints->At(i), nullptr);
   return false;  // on success too
+}
+
+std::vector<int> TIN::InsertInBulk(int count) {
+  if (!m_bTiling || m_pPointMap != nullptr || !InWorldBounds(m_Min) || !InWorldBounds(m_Max) ||
+      !BulkMesh::Fits(*m_pTriangles, count)) {
+    return qeltin::detail::OrderInRounds(m_pPoints->m_pData, m_pPoints->m_pIndex, count);
+  }
+  BulkMesh mesh(*m_pPoints, m_pTriangles, count, {m_Min, m_Max}, m_dReach);
+  std::vector<int> refused;
+  for (int i = 0; i < count; ++i) {
+    if (!mesh.Insert(i)) refused.push_back(mesh.SlotOf(i));
+  }
+  mesh.Finish();
+  m_Triangulator.m_pCurrent = m_pTriangles->At(mesh.FoundIn());
+  m_Min = mesh.Bounds().min;
+  m_Max = mesh.Bounds().max;
+  return refused;
 }
 
 bool TIN::Create(std::vector<IPoint>* points) {

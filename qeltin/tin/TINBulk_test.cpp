@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <set>
@@ -223,13 +224,62 @@ TEST(TINBulk, TwoRunsDifferInOrderAndAgreeInTheirTriangles) {
 TEST(TINBulk, EverySurveyGivesASoundSurface) {
   std::uint64_t const seed = TestSeed();
   for (Survey const survey : qeltin::testing::ALL_SURVEYS) {
-    SCOPED_TRACE(survey);
-    TIN tin;
-    Load(tin, MakeSurvey(survey, 2000, seed));
-    EXPECT_FALSE(tin.Triangulate());
-    EXPECT_EQ(tin.GetNumberOfPoints(), 2004);
-    ExpectSound(tin);
+    for (auto const& frame : {qeltin::testing::AT_ORIGIN, qeltin::testing::AT_UTM}) {
+      SCOPED_TRACE(survey);
+      SCOPED_TRACE(frame.east);
+      TIN tin;
+      Load(tin, MakeSurvey(survey, 2000, seed, frame));
+      EXPECT_FALSE(tin.Triangulate());
+      EXPECT_EQ(tin.GetNumberOfPoints(), 2004);
+      ExpectSound(tin);
+    }
   }
+}
+
+TEST(TINBulk, BoundsThatAreTooNarrowAreWidened) {
+  auto const points = MakeSurvey(Survey::Uniform, 1000, TestSeed());
+  auto const box = ExtentOf(points);
+  TPoint const middle((box.min.x + box.max.x) / 2, (box.min.y + box.max.y) / 2, box.min.z);
+  TIN tin;
+  tin.Init(1000, box.min, middle);
+  for (TPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
+  EXPECT_FALSE(tin.Triangulate());
+  EXPECT_EQ(tin.GetNumberOfTriangles(), 2 * 1000 + 2);
+  TPoint min;
+  TPoint max;
+  tin.GetBounds(min, max);
+  EXPECT_EQ(min, box.min);
+  EXPECT_EQ(max, box.max);
+  ExpectSound(tin);
+}
+
+TEST(TINBulk, PointWithoutAHeightIsTriangulatedAsAnyOther) {
+  auto points = MakeSurvey(Survey::Uniform, 500, TestSeed());
+  auto const box = ExtentOf(points);
+  points[50].z = std::nan("");
+  TIN tin;
+  tin.Init(500, box.min, box.max);
+  for (TPoint const& p : points) tin.LoadPoint(p.x, p.y, p.z);
+  EXPECT_FALSE(tin.Triangulate());
+  EXPECT_EQ(tin.GetNumberOfTriangles(), 2 * 500 + 2);
+  TPoint const* const pool = TINPeer::Points(tin)->m_pData;
+  int around = 0;
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    around += tin.GetTriangle(i, true)->XY_FindVertex(pool + 50) ? 1 : 0;
+  }
+  EXPECT_GE(around, 3);
+}
+
+TEST(TINBulk, MapThatIsThereGetsThePoints) {
+  TIN tin;
+  Load(tin, THREE);
+  tin.Triangulate();
+  tin.BuildPointMap();
+  Load(tin, MakeSurvey(Survey::Uniform, 300, TestSeed()));
+  EXPECT_FALSE(tin.Triangulate());
+  EXPECT_EQ(tin.GetNumberOfTriangles(), 2 * 300 + 2);
+  EXPECT_EQ(TINPeer::Map(tin)->GetNumberOfPoints(), 304);
+  ExpectSound(tin);
 }
 
 // --- Create
