@@ -1,4 +1,5 @@
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,17 +56,21 @@ std::optional<Box> ParseBounds(BuildOptions const& options) {
 
 std::vector<IPoint> ReadInputs(BuildOptions const& options, std::optional<Box> const& bounds,
                                BuildResult& result) {
-  std::vector<IPoint> points;
-  for (std::string const& name : options.inputs) AppendPoints(name, options, points);
-  result.read = static_cast<long long>(points.size());
+  std::function<bool(IPoint const&)> keep;
   if (bounds) {
-    result.outside = static_cast<long long>(
-        std::erase_if(points, [&bounds](IPoint const& p) { return !bounds->Has(p); }));
+    keep = [&](IPoint const& p) {
+      bool const inside = bounds->Has(p);
+      if (!inside) ++result.outside;
+      return inside;
+    };
   }
+  std::vector<IPoint> points;
+  for (std::string const& name : options.inputs) AppendPoints(name, options, points, keep);
+  result.read = static_cast<long long>(points.size()) + result.outside;
   return points;
 }
 
-HeldSurface Build(std::vector<IPoint>& points, std::optional<Box> const& bounds,
+HeldSurface Build(std::vector<IPoint> points, std::optional<Box> const& bounds,
                   BuildOptions const& options, BuildResult& result) {
   std::string const name = options.inputs.size() == 1 ? options.inputs[0] : options.output;
   std::string const why = WhyNoSurface(points);
@@ -75,7 +80,7 @@ HeldSurface Build(std::vector<IPoint>& points, std::optional<Box> const& bounds,
   }
   if (!why.empty()) throw Failure(name, why);
 
-  HeldSurface tin = BuildSurface(points, options.keep_order, bounds, options.quiet);
+  HeldSurface tin = BuildSurface(std::move(points), options.keep_order, bounds, options.quiet);
   result.facts = FactsOf(*tin);
   // In the order of the files every triangle may be hidden, however sound the surface is.
   if (!options.keep_order) RequireVisible(*tin, name);
@@ -121,7 +126,7 @@ void Run(BuildOptions const& options) {
   Stopwatch watch;
   std::vector<IPoint> points = ReadInputs(options, bounds, result);
   result.seconds_read = watch.Lap();
-  HeldSurface const tin = Build(points, bounds, options, result);
+  HeldSurface const tin = Build(std::move(points), bounds, options, result);
   result.seconds_build = watch.Lap();
   SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
   draft.Commit();

@@ -8,6 +8,7 @@
 
 #include "apps/qeltin/Progress.h"
 #include "apps/qeltin/SegmentTree.h"
+#include "apps/qeltin/Sweep.h"
 
 namespace qeltin::cli {
 
@@ -183,17 +184,17 @@ std::vector<Piece> CrossSections(TIN const& tin, std::vector<TPolygon> const& li
 
   std::vector<std::vector<Stretch>> stretches(segments.size());
   Progress progress("profile", tin.GetNumberOfTriangles(), quiet);
-  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
-    TTriangle& triangle = *tin.GetTriangle(i, true);
-    if (triangle.IsHidden()) continue;
+  double done = 0.0;
+  ForEachTriangle(tin, [&](TTriangle& triangle) {
+    progress.Done(done += 1.0);
+    if (triangle.IsHidden()) return;
     TPoint const* const* const corners = triangle.m_pVertex;
-    if (!std::all_of(corners, corners + 3, [](TPoint const* p) { return IsFinite(*p); })) continue;
+    if (!std::all_of(corners, corners + 3, [](TPoint const* p) { return IsFinite(*p); })) return;
     tree.ForEach(BoxOf(triangle, rounding), [&](int segment) {
       auto const stretch = cutters[segment].Cut(tin, triangle);
       if (stretch) stretches[segment].push_back(*stretch);
     });
-    progress.Done(i);
-  }
+  });
   Assembly assembly;
   for (std::size_t i = 0; i < segments.size(); ++i) assembly.Add(segments[i], stretches[i]);
   return assembly.Take();

@@ -32,11 +32,12 @@ void Tell(std::string const& name, InputOptions const& options, LasSummary const
 
 }  // namespace
 
-LasSummary ReadLas(std::string const& name, InputOptions const& options,
-                   std::function<void(IPoint const&)> const& take) {
+LasSummary ReadLas(std::string const& name, InputOptions const& options, TakePoint const& take,
+                   ExpectPoints const& expect) {
   LasReader reader(name);
   LasSummary summary;
   summary.header = reader.Header();
+  if (expect && !options.classes) expect(static_cast<double>(summary.header.points));
   {
     Progress progress("read", reader.Size(), options.quiet);
     LasPoint point;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string>
 
 #include "apps/qeltin/LasReader.h"
@@ -21,7 +20,7 @@ struct LasSummary {
 // Hands the points of a LAS file to `take`, except those that are marked as withheld and those of
 // classes that are not wanted; what was left out is told in a note. Throws Failure; also where
 // nothing is left.
-LasSummary ReadLas(std::string const& name, InputOptions const& options,
-                   std::function<void(IPoint const&)> const& take);
+LasSummary ReadLas(std::string const& name, InputOptions const& options, TakePoint const& take,
+                   ExpectPoints const& expect = {});
 
 }  // namespace qeltin::cli

@@ -7,7 +7,8 @@ namespace qeltin::cli {
 SurfaceFacts FactsOf(Mesh const& mesh) {
   FactsGatherer gatherer(mesh.bounds, mesh.world_bounds);
   std::vector<bool> vertices(mesh.points.size());
-  for (MeshTriangle const& t : mesh.triangles) {
+  ForEachTriangle(mesh, [&](std::int32_t i) {
+    MeshTriangle const& t = mesh.triangles[static_cast<std::size_t>(i)];
     bool whole = true;
     for (std::int32_t const corner : t.corners) {
       bool const there = corner >= 0 && static_cast<std::size_t>(corner) < mesh.points.size();
@@ -22,7 +23,7 @@ SurfaceFacts FactsOf(Mesh const& mesh) {
       };
       gatherer.AddVisibleTriangle(corner(0), corner(1), corner(2));
     }
-  }
+  });
   for (std::size_t i = 0; i < mesh.points.size(); ++i) {
     gatherer.AddPoint(mesh.points[i], vertices[i]);
   }

@@ -48,6 +48,22 @@ struct Mesh {
   std::uint64_t excess = 0;                 // bytes after the last table; native only
 };
 
+// Calls `take` with the position of each triangle, in their order. The corners of a large surface
+// are far apart in memory and are fetched ahead.
+template <typename Take>
+void ForEachTriangle(Mesh const& mesh, Take&& take) {
+  constexpr std::size_t AHEAD = 16;
+  std::size_t const count = mesh.triangles.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i + AHEAD < count) {
+      for (std::int32_t const corner : mesh.triangles[i + AHEAD].corners) {
+        if (corner >= 0) __builtin_prefetch(mesh.points.data() + corner);
+      }
+    }
+    take(static_cast<std::int32_t>(i));
+  }
+}
+
 // Read the tables of a native or a Trimble file in one pass, without the library. Memory follows
 // the size of the file, not its counts. Throw Failure.
 // REQUIRES: LookAt has taken the header of the file for sound; `version` is what it told.

@@ -3,6 +3,7 @@
 
 #include "apps/qeltin/BlockReader.h"
 #include "apps/qeltin/Failure.h"
+#include "apps/qeltin/Memory.h"
 #include "apps/qeltin/Mesh.h"
 
 namespace qeltin::cli {
@@ -11,6 +12,7 @@ namespace {
 
 constexpr std::uint64_t BOXES = 16;  // where they stand
 constexpr std::size_t POINT = 24;
+constexpr std::size_t TRIANGLE = 26;
 constexpr std::size_t TRIANGLE_SLOT = 80;
 
 TPoint PointAt(unsigned char const* bytes) {
@@ -90,6 +92,12 @@ class NativeReader {
     return count;
   }
 
+  // Returns how many records of a table the file can have from here on.
+  std::size_t Records(std::int32_t count, std::size_t record) const {
+    std::uint64_t const left = m_File.Size() - std::min(m_File.Size(), m_File.Position());
+    return std::min<std::size_t>(static_cast<std::size_t>(count), left / record);
+  }
+
   // Hands `count` records of a table to `take`; tells where the table ends early.
   template <typename Take>
   void ReadTable(char const* table, std::int32_t count, std::size_t record, Take const& take) {
@@ -111,12 +119,14 @@ class NativeReader {
   void ReadOrdinals() {
     std::int32_t const points = Count();
     m_Mesh.point_count = points;
+    ReserveTable(m_Mesh.points, Records(points, POINT));
     ReadTable("point", points, POINT, [this](std::int32_t, unsigned char const* bytes) {
       m_Mesh.points.push_back(PointAt(bytes));
     });
     std::int32_t const triangles = Count();
     m_Mesh.triangle_count = triangles;
-    ReadTable("triangle", triangles, 26, [&](std::int32_t, unsigned char const* bytes) {
+    ReserveTable(m_Mesh.triangles, Records(triangles, TRIANGLE));
+    ReadTable("triangle", triangles, TRIANGLE, [&](std::int32_t, unsigned char const* bytes) {
       MeshTriangle t;
       for (std::size_t k = 0; k < 3; ++k) {
         t.corners[k] = Within(LittleEndian<std::int32_t>(bytes + 4 * k), points);

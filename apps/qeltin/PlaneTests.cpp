@@ -15,6 +15,11 @@ double Magnitude(TPoint const& p) { return std::max(std::fabs(p.x), std::fabs(p.
 
 double Distance(TPoint const& a, TPoint const& b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
+// Never less than the distance.
+double Detour(TPoint const& a, TPoint const& b) {
+  return std::fabs(b.x - a.x) + std::fabs(b.y - a.y);
+}
+
 // Twice the area, positive where a, b, c run counter-clockwise.
 double TwiceArea(TPoint const& a, TPoint const& b, TPoint const& c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
@@ -71,9 +76,15 @@ double InCircle(TPoint const& a, TPoint const& b, TPoint const& c, TPoint const&
 
 int TurnOf(TPoint const& a, TPoint const& b, TPoint const& c) {
   double const turn = TwiceArea(a, b, c);
-  double const longest = std::max({Distance(a, b), Distance(b, c), Distance(c, a)});
   double const magnitude = std::max({Magnitude(a), Magnitude(b), Magnitude(c)});
-  if (!(std::fabs(turn) > 8.0 * U * (magnitude + longest) * longest)) return 0;
+  auto const is_certain = [&](double longest) {
+    return std::fabs(turn) > 8.0 * U * (magnitude + longest) * longest;
+  };
+  // What holds of a longer side holds of the longest, which is dearer to find out.
+  double const longer = std::max({Detour(a, b), Detour(b, c), Detour(c, a)});
+  bool const certain =
+      is_certain(longer) || is_certain(std::max({Distance(a, b), Distance(b, c), Distance(c, a)}));
+  if (!certain) return 0;
   return turn > 0.0 ? 1 : -1;
 }
 

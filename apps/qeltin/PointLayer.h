@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "apps/qeltin/SurfaceInput.h"
@@ -24,6 +23,6 @@ bool IsVectorExtension(std::string const& extension);
 // or several and --layer chooses none, where there are no heights, where a feature has none or one
 // that is no number, and in a command that is built without GDAL.
 PointLayer ReadPointLayer(std::string const& name, InputOptions const& options,
-                          std::function<void(IPoint const&)> const& take);
+                          TakePoint const& take);
 
 }  // namespace qeltin::cli

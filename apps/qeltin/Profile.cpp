@@ -131,7 +131,7 @@ void Run(ProfileOptions const& options) {
   std::unique_ptr<VectorOutput> const output = CreateVectorOutput(options.vector, layer, options);
   std::vector<TPolygon> const lines = LinesFor(options);
   HeldSurface const tin = OpenSurface(options.surface, options);
-  if (FactsOf(*tin).visible_triangles == 0) {
+  if (!HasVisibleTriangle(*tin)) {
     throw Failure(options.surface, "no triangle is visible: there is no surface");
   }
   ProfileResult result;

@@ -81,9 +81,9 @@ void Progress::Run() {
 std::string Progress::Line(double elapsed) const {
   std::string const head = WIPE + m_Title + "  ";
   double const done = m_dDone.load(std::memory_order_relaxed);
-  if (m_dGuess == 0.0 && m_dTotal <= 0.0) return head + Duration(elapsed) + " so far";
+  bool const unknown = m_dGuess > 0.0 ? elapsed > m_dGuess : m_dTotal <= 0.0;
+  if (unknown) return head + Duration(elapsed) + " so far";
 
-  // A guess that proves too short leaves the bar nearly full, not beyond its end.
   double const share = std::clamp(m_dGuess > 0.0 ? elapsed / m_dGuess : done / m_dTotal, 0.0, 0.99);
   double const left = m_dGuess > 0.0 ? m_dGuess - elapsed : elapsed * (1.0 - share) / share;
   std::string line = head + Bar(share) + ' ' + std::to_string(std::lround(100.0 * share)) + " %";

@@ -21,7 +21,8 @@ class Progress {
   // known.
   Progress(std::string title, double total, bool quiet);
 
-  // Work that cannot tell its share, and takes about so long.
+  // Work that cannot tell its share, and takes about so long. Once it has taken longer, the time so
+  // far stands in place of the bar.
   Progress(std::string title, std::chrono::duration<double> guess, bool quiet);
 
   ~Progress();

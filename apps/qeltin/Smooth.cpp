@@ -74,7 +74,7 @@ void Run(SmoothOptions const& options) {
   }
   std::string const why = WhyNoSurface(points);
   if (!why.empty()) throw Failure(options.surface, "of the centroids of its triangles: " + why);
-  tin = BuildSurface(points, false, {}, options.quiet);
+  tin = BuildSurface(std::move(points), false, {}, options.quiet);
   RequireVisible(*tin, options.surface);
   SaveSurface(*tin, draft.WorkingName(), options.output, options.quiet);
   draft.Commit();

@@ -52,15 +52,16 @@ bool IsFinite(TPoint const& p) {
 
 class MeshCheck {
  public:
-  explicit MeshCheck(Mesh const& mesh) : m_Mesh(mesh) {
+  explicit MeshCheck(Mesh const& mesh) : m_Mesh(mesh), m_Whole(mesh.triangles.size()) {
     for (std::size_t i = 0; i < FLAW_COUNT; ++i) m_Findings[i].flaw = static_cast<Flaw>(i);
   }
 
   std::vector<Finding> Run() {
     CheckTables();
     CheckPoints();
-    for (std::int32_t i = 0; i < TriangleCount(); ++i) CheckTriangle(i);
+    ForEachTriangle(m_Mesh, [this](std::int32_t i) { CheckTriangle(i); });
     for (std::int32_t i = 0; i < TriangleCount(); ++i) {
+      FetchAround(i);
       for (std::size_t side = 0; side < 3; ++side) CheckNeighbour(i, side);
     }
     CheckOpenSides();
@@ -95,6 +96,25 @@ class MeshCheck {
   bool IsWhole(MeshTriangle const& t) const {
     return std::all_of(t.corners.begin(), t.corners.end(),
                        [this](std::int32_t c) { return HasPoint(c) && IsFinite(Point(c)); });
+  }
+
+  bool HasTriangle(std::int32_t i) const { return i >= 0 && i < TriangleCount(); }
+
+  // Fetches what the checks of triangles soon to come look at in a large surface: the neighbours of
+  // one, and the corners of the neighbours of another, which have come meanwhile.
+  void FetchAround(std::int32_t i) const {
+    constexpr std::int32_t NEAR = 8;
+    constexpr std::int32_t FAR = 16;
+    if (i >= TriangleCount() - FAR) return;
+    for (std::int32_t const other : At(i + FAR).neighbours) {
+      if (HasTriangle(other)) __builtin_prefetch(&At(other));
+    }
+    for (std::int32_t const other : At(i + NEAR).neighbours) {
+      if (!HasTriangle(other)) continue;
+      for (std::int32_t const corner : At(other).corners) {
+        if (HasPoint(corner)) __builtin_prefetch(&Point(corner));
+      }
+    }
   }
 
   Finding& Count(Flaw flaw, Element element, std::int32_t position) {
@@ -154,6 +174,7 @@ class MeshCheck {
 
   void CheckDuplicates() {
     std::vector<std::tuple<double, double, std::int32_t>> places;
+    places.reserve(m_Mesh.points.size());
     for (std::int32_t i = 0; i < PointCount(); ++i) {
       TPoint const& p = Point(i);
       if (IsFinite(p)) places.emplace_back(p.x, p.y, i);
@@ -176,6 +197,7 @@ class MeshCheck {
     }
     if ((t.flags & ~KNOWN_FLAGS) != 0) CountTriangle(Flaw::FLAGS, i);
     if (!IsWhole(t)) return;
+    m_Whole[static_cast<std::size_t>(i)] = true;
     if (t.corners[0] == t.corners[1] || t.corners[1] == t.corners[2] ||
         t.corners[2] == t.corners[0]) {
       CountTriangle(Flaw::REPEATED_CORNER, i);
@@ -225,7 +247,7 @@ class MeshCheck {
   void CheckNeighbour(std::int32_t i, std::size_t side) {
     MeshTriangle const& t = At(i);
     std::int32_t const other = t.neighbours[side];
-    if (other < 0 || other >= TriangleCount()) return;  // told already, or not there to be asked
+    if (!HasTriangle(other)) return;  // told already, or not there to be asked
     MeshTriangle const& n = At(other);
     std::int32_t const a = t.corners[side];
     std::int32_t const b = t.corners[(side + 1) % 3];
@@ -236,7 +258,7 @@ class MeshCheck {
       std::int32_t const c = n.corners[k];
       std::int32_t const d = n.corners[(k + 1) % 3];
       if (!SameSide(a, b, c, d)) continue;
-      if (i < other) CheckDelaunay(i, side, n, k);
+      if (i < other) CheckDelaunay(i, side, other, k);
       return;
     }
     CountTriangle(back ? Flaw::OTHER_SIDE : Flaw::NOT_MUTUAL, i);
@@ -246,9 +268,10 @@ class MeshCheck {
     return TurnOf(Corner(t, 0), Corner(t, 1), Corner(t, 2)) == 0;
   }
 
-  void CheckDelaunay(std::int32_t i, std::size_t side, MeshTriangle const& n, std::size_t back) {
+  void CheckDelaunay(std::int32_t i, std::size_t side, std::int32_t other, std::size_t back) {
+    if (!m_Whole[static_cast<std::size_t>(i)] || !m_Whole[static_cast<std::size_t>(other)]) return;
     MeshTriangle const& t = At(i);
-    if (!IsWhole(t) || !IsWhole(n)) return;
+    MeshTriangle const& n = At(other);
     bool const inside = IsInsideCircle(Corner(t, side), Corner(t, side + 1), Corner(t, side + 2),
                                        Corner(n, back + 2));
     if (inside && !IsFlat(t) && !IsFlat(n)) CountTriangle(Flaw::NOT_DELAUNAY, i);
@@ -257,6 +280,7 @@ class MeshCheck {
   Mesh const& m_Mesh;
   Finding m_Findings[FLAW_COUNT];
   std::vector<OpenSide> m_OpenSides;
+  std::vector<bool> m_Whole;  // triangles that can be reckoned with
 };
 
 }  // namespace

@@ -7,16 +7,19 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "apps/qeltin/Failure.h"
+#include "apps/qeltin/Memory.h"
 #include "apps/qeltin/Prism.h"
 #include "apps/qeltin/Progress.h"
+#include "apps/qeltin/Sweep.h"
 
 namespace qeltin::cli {
 
 namespace {
 
-// Tells which points are corners of a triangle. Points stand in one block.
+// Marks the points that are corners of a triangle. Points stand in one block.
 class VertexMarks {
  public:
   explicit VertexMarks(TIN const& tin) {
@@ -27,20 +30,19 @@ class VertexMarks {
       last = last == nullptr ? p : std::max(last, p, std::less<>());
     }
     if (last != nullptr) m_Marked.resize(static_cast<std::size_t>(last - m_pFirst) + 1);
-    for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
-      for (TPoint const* corner : tin.GetTriangle(i, true)->m_pVertex) Mark(corner);
+  }
+
+  void MarkCorners(TTriangle const& t) {
+    for (TPoint const* p : t.m_pVertex) {
+      // A damaged file can leave a corner on a slot that is not in use.
+      if (Offset(p) < m_Marked.size()) m_Marked[Offset(p)] = true;
     }
   }
 
   // REQUIRES: a live point.
-  bool Has(TPoint const* p) const { return m_Marked[Offset(p)]; }
+  bool Has(TPoint const& p) const { return m_Marked[Offset(&p)]; }
 
  private:
-  void Mark(TPoint const* p) {
-    // A damaged file can leave a corner on a slot that is not in use.
-    if (Offset(p) < m_Marked.size()) m_Marked[Offset(p)] = true;
-  }
-
   std::size_t Offset(TPoint const* p) const { return static_cast<std::size_t>(p - m_pFirst); }
 
   TPoint const* m_pFirst = nullptr;
@@ -49,22 +51,27 @@ class VertexMarks {
 
 double PlanDistance(IPoint const& a, IPoint const& b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
-// Returns the largest distance of a point from the line through the first point and the one that is
-// farthest from it; 0 where all are in one place.
-double WidthOf(std::vector<IPoint> const& points) {
+double SquaredPlanDistance(IPoint const& a, IPoint const& b) {
+  return (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
+}
+
+IPoint const& FarthestFrom(IPoint const& a, std::vector<IPoint> const& points) {
+  return *std::max_element(points.begin(), points.end(),
+                           [&a](IPoint const& one, IPoint const& other) {
+                             return SquaredPlanDistance(a, one) < SquaredPlanDistance(a, other);
+                           });
+}
+
+// Returns true iff a point lies `width` or more off the line through the first point and the one
+// that is farthest from it.
+bool AreAsWideAs(double width, std::vector<IPoint> const& points) {
   IPoint const& a = points.front();
-  IPoint const& b =
-      *std::max_element(points.begin(), points.end(), [&a](IPoint const& one, IPoint const& other) {
-        return PlanDistance(a, one) < PlanDistance(a, other);
-      });
+  IPoint const& b = FarthestFrom(a, points);
   double const length = PlanDistance(a, b);
-  if (length == 0.0) return 0.0;
-  double width = 0.0;
-  for (IPoint const& p : points) {
-    double const across = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
-    width = std::max(width, std::fabs(across) / length);
-  }
-  return width;
+  return length > 0.0 && std::any_of(points.begin(), points.end(), [&](IPoint const& p) {
+           double const across = (b.x - a.x) * (p.y - a.y) - (b.y - a.y) * (p.x - a.x);
+           return std::fabs(across) / length >= width;
+         });
 }
 
 bool IsSensible(IPoint const& p) {
@@ -79,7 +86,7 @@ Progress EstimatedProgress(std::size_t count, bool quiet) {
   return Progress("build", guess, quiet);
 }
 
-HeldSurface MakeShuffled(std::vector<IPoint> const& points, std::optional<Box> const& bounds) {
+HeldSurface MakeShuffled(std::vector<IPoint>&& points, std::optional<Box> const& bounds) {
   Extent extent;
   for (IPoint const& p : points) extent.Add(p);
   Box box = extent.Bounds();
@@ -88,6 +95,7 @@ HeldSurface MakeShuffled(std::vector<IPoint> const& points, std::optional<Box> c
   }
   HeldSurface tin = MakeEmpty(static_cast<int>(points.size()), box.min, box.max);
   for (IPoint const& p : points) tin->LoadPoint(p.x, p.y, p.z);
+  std::vector<IPoint>().swap(points);  // their memory is wanted for the triangles
   tin->Triangulate();
   return tin;
 }
@@ -100,11 +108,16 @@ void Extent::Add(IPoint const& p) {
   m_Box.max = {std::max(m_Box.max.x, p.x), std::max(m_Box.max.y, p.y), std::max(m_Box.max.z, p.z)};
 }
 
-void RequireVisible(TIN const& tin, std::string const& file) {
+bool HasVisibleTriangle(TIN const& tin) {
   for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
-    if (tin.GetTriangle(i, false) != nullptr) return;
+    if (tin.GetTriangle(i, false) != nullptr) return true;
   }
-  throw Failure(file, "the points span no area: no triangle is visible");
+  return false;
+}
+
+void RequireVisible(TIN const& tin, std::string const& file) {
+  if (!HasVisibleTriangle(tin))
+    throw Failure(file, "the points span no area: no triangle is visible");
 }
 
 std::string WhyNoSurface(std::vector<IPoint> const& points) {
@@ -116,7 +129,7 @@ std::string WhyNoSurface(std::vector<IPoint> const& points) {
     return "a coordinate is not a number, or beyond 1e100";
   }
   if (count < 3) return "a surface needs three points, and there are " + std::to_string(count);
-  if (WidthOf(points) >= SAME_PLACE) return {};
+  if (AreAsWideAs(SAME_PLACE, points)) return {};
   IPoint const& first = points.front();
   bool const one_place = std::all_of(points.begin(), points.end(), [&first](IPoint const& p) {
     return PlanDistance(first, p) < SAME_PLACE;
@@ -166,42 +179,42 @@ SurfaceFacts FactsOf(TIN const& tin) {
   tin.GetBounds(bounds.min, bounds.max);
   tin.GetWorldBounds(world.min, world.max);
   FactsGatherer gatherer(bounds, world);
-  VertexMarks const marks(tin);
-  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
-    TTriangle const& triangle = *tin.GetTriangle(i, true);
-    TPoint const* const* const corners = triangle.m_pVertex;
-    if (triangle.IsHidden()) {
+  VertexMarks marks(tin);
+  ForEachTriangle(tin, [&](TTriangle const& t) {
+    marks.MarkCorners(t);
+    if (t.IsHidden()) {
       gatherer.AddHiddenTriangle();
     } else {
-      gatherer.AddVisibleTriangle(*corners[0], *corners[1], *corners[2]);
+      gatherer.AddVisibleTriangle(*t.m_pVertex[0], *t.m_pVertex[1], *t.m_pVertex[2]);
     }
-  }
-  for (int i = 0; i < tin.GetNumberOfPoints(); ++i) {
-    TPoint const* const p = tin.GetPoint(i);
-    gatherer.AddPoint(*p, marks.Has(p));
-  }
+  });
+  ForEachPoint(tin, [&](TPoint const& p) { gatherer.AddPoint(p, marks.Has(p)); });
   return gatherer.Facts();
 }
 
 void AppendVertices(TIN const& tin, std::vector<IPoint>& points) {
   Box world;
   tin.GetWorldBounds(world.min, world.max);
-  VertexMarks const marks(tin);
-  for (int i = 0; i < tin.GetNumberOfPoints(); ++i) {
-    TPoint const* const p = tin.GetPoint(i);
-    if (!IsSeedCorner(*p, world) && marks.Has(p)) points.push_back({p->x, p->y, p->z});
-  }
+  VertexMarks marks(tin);
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) marks.MarkCorners(*tin.GetTriangle(i, true));
+  ForEachPoint(tin, [&](TPoint const& p) {
+    if (!IsSeedCorner(p, world) && marks.Has(p)) points.push_back({p.x, p.y, p.z});
+  });
 }
 
-HeldSurface BuildSurface(std::vector<IPoint>& points, bool keep_order,
+HeldSurface BuildSurface(std::vector<IPoint> points, bool keep_order,
                          std::optional<Box> const& bounds, bool quiet) {
-  Progress const progress = EstimatedProgress(points.size(), quiet);
-  HeldSurface tin = keep_order ? MakeInOrder(points) : MakeShuffled(points, bounds);
-  // The library does without what the system refuses it, and says nothing.
-  bool const complete = tin->GetNumberOfPoints() >= static_cast<int>(points.size()) &&
-                        tin->GetNumberOfTriangles() > 0;
-  if (!complete) throw std::bad_alloc();
-  return tin;
+  std::size_t const count = points.size();
+  Progress const progress = EstimatedProgress(count, quiet);
+  try {
+    HeldSurface tin = keep_order ? MakeInOrder(points) : MakeShuffled(std::move(points), bounds);
+    // The library does without what the system refuses it, and says nothing.
+    bool const complete =
+        tin->GetNumberOfPoints() >= static_cast<int>(count) && tin->GetNumberOfTriangles() > 0;
+    if (complete) return tin;
+  } catch (std::bad_alloc const&) {
+  }
+  throw OutOfMemory(static_cast<double>(count));
 }
 
 }  // namespace qeltin::cli

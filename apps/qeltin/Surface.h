@@ -76,11 +76,15 @@ void AppendVertices(TIN const& tin, std::vector<IPoint>& points);
 // Builds the surface of `points`, in random order, which is the fast way, or in the order given,
 // which leads to the same surface bit by bit on every run. In random order the data bounds are
 // `bounds`, or else those of the points. In the order given they are those of the points, and what
-// reached beyond the bounds of the points before it may stay hidden. Shows its progress unless
-// `quiet`. Throws std::bad_alloc.
+// reached beyond the bounds of the points before it may stay hidden. Points that are moved in give
+// their memory back as soon as they are in the surface. Shows its progress unless `quiet`. Throws
+// OutOfMemory.
 // REQUIRES: WhyNoSurface has nothing to say; the points lie inside `bounds`.
-HeldSurface BuildSurface(std::vector<IPoint>& points, bool keep_order,
+HeldSurface BuildSurface(std::vector<IPoint> points, bool keep_order,
                          std::optional<Box> const& bounds, bool quiet);
+
+// Returns true iff the surface shows a triangle.
+bool HasVisibleTriangle(TIN const& tin);
 
 // Throws Failure, in the name of `file`, where the surface shows no triangle.
 void RequireVisible(TIN const& tin, std::string const& file);

@@ -1,17 +1,23 @@
 #include "apps/qeltin/SurfaceInput.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <chrono>
+#include <new>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "apps/qeltin/Failure.h"
 #include "apps/qeltin/Interrupt.h"
 #include "apps/qeltin/LasInput.h"
+#include "apps/qeltin/Memory.h"
 #include "apps/qeltin/PointLayer.h"
 #include "apps/qeltin/Progress.h"
 #include "apps/qeltin/StoredFile.h"
 #include "apps/qeltin/Surface.h"
+#include "apps/qeltin/Sweep.h"
 #include "apps/qeltin/XyzText.h"
 #include "qeltin/persistence/TINFile.h"
 #include "qeltin/platform/Utf8.h"
@@ -19,6 +25,14 @@
 namespace qeltin::cli {
 
 namespace {
+
+// Returns how much memory a surface takes, in words that follow others, where that is known.
+std::string WantedToLoad(std::string const& name) {
+  StoredFile const file = LookAt(name);
+  if (file.version != TINFile::m_iCurrentVersion) return {};
+  constexpr double BYTES_A_BYTE = 2.6;  // two pools of full records against points and ordinals
+  return ": that takes about " + SizeText(BYTES_A_BYTE * file.bytes);
+}
 
 // Returns why the library loads nothing from a file that looked right from outside.
 std::string WhyNotLoaded(std::string const& name, FileKind kind) {
@@ -30,6 +44,7 @@ std::string WhyNotLoaded(std::string const& name, FileKind kind) {
   } else {
     file.LoadTrimbleTINModel(wide.c_str(), *scratch);
   }
+  if (file.LastError() == ENOMEM) return "not enough memory to load it" + WantedToLoad(name);
   if (file.LastError() != 0) return SystemReason(file.LastError());
   switch (file.LastFault()) {
     case TINFile::Fault::NONE:
@@ -66,20 +81,28 @@ HeldSurface BuildFromPoints(std::string const& name, InputOptions const& options
   AppendPoints(name, options, points);
   std::string const why = WhyNoSurface(points);
   if (!why.empty()) throw Failure(name, why);
-  HeldSurface tin = BuildSurface(points, false, {}, options.quiet);
+  HeldSurface tin = BuildSurface(std::move(points), false, {}, options.quiet);
   RequireVisible(*tin, name);
   return tin;
 }
 
-void ReadStoredPoints(std::string const& name, InputOptions const& options,
-                      std::function<void(IPoint const&)> const& take) {
+void ReadStoredPoints(std::string const& name, InputOptions const& options, TakePoint const& take,
+                      ExpectPoints const& expect) {
   HeldSurface const tin = LoadStored(name, options);
   Box world;
   tin->GetWorldBounds(world.min, world.max);
-  for (int i = 0; i < tin->GetNumberOfPoints(); ++i) {
-    TPoint const& p = *tin->GetPoint(i);
+  if (expect) expect(tin->GetNumberOfPoints());
+  ForEachPoint(*tin, [&](TPoint const& p) {
     if (!IsSeedCorner(p, world)) take({p.x, p.y, p.z});
-  }
+  });
+}
+
+void NoteMemory(std::string const& name, double points, CommonOptions const& options) {
+  double const wanted = MemoryFor(points);
+  double const free = FreeMemory();
+  if (wanted <= free) return;
+  options.Note(name + ": a surface of its points takes about " + SizeText(wanted) +
+               " of memory, and " + SizeText(free) + " are free");
 }
 
 // Reads a list like 2,9. Returns nothing where `text` is none.
@@ -137,21 +160,21 @@ HeldSurface OpenSurface(std::string const& name, InputOptions const& options) {
   return IsStoredSurface(KindOf(name)) ? LoadStored(name, options) : BuildFromPoints(name, options);
 }
 
-void ReadPoints(std::string const& name, InputOptions const& options,
-                std::function<void(IPoint const&)> const& take) {
+void ReadPoints(std::string const& name, InputOptions const& options, TakePoint const& take,
+                ExpectPoints const& expect) {
   FileKind const kind = KindOf(name);
   NoteUnused(name, kind, options);
   if (kind != FileKind::TEXT || name != "-") LookAt(name);
   switch (kind) {
     case FileKind::NATIVE:
     case FileKind::TRIMBLE:
-      ReadStoredPoints(name, options, take);
+      ReadStoredPoints(name, options, take, expect);
       break;
     case FileKind::TEXT:
-      ReadXyz(name, options, take);
+      ReadXyz(name, options, take, expect);
       break;
     case FileKind::LAS:
-      ReadLas(name, options, take);
+      ReadLas(name, options, take, expect);
       break;
     case FileKind::VECTOR:
       ReadPointLayer(name, options, take);
@@ -159,9 +182,24 @@ void ReadPoints(std::string const& name, InputOptions const& options,
   }
 }
 
-void AppendPoints(std::string const& name, InputOptions const& options,
-                  std::vector<IPoint>& points) {
-  ReadPoints(name, options, [&points](IPoint const& p) { points.push_back(p); });
+void AppendPoints(std::string const& name, InputOptions const& options, std::vector<IPoint>& points,
+                  std::function<bool(IPoint const&)> const& keep) {
+  double expected = 0.0;
+  auto const take = [&](IPoint const& p) {
+    if (!keep || keep(p)) points.push_back(p);
+  };
+  auto const expect = [&](double count) {
+    if (keep) return;
+    constexpr double MARGIN = 1.03;  // what is reserved and not used costs nothing
+    expected = static_cast<double>(points.size()) + count;
+    NoteMemory(name, expected, options);
+    ReserveTable(points, static_cast<std::size_t>(MARGIN * expected));
+  };
+  try {
+    ReadPoints(name, options, take, expect);
+  } catch (std::bad_alloc const&) {
+    throw OutOfMemory(std::max(expected, static_cast<double>(points.size())));
+  }
 }
 
 void SaveSurface(TIN const& tin, std::string const& file, std::string const& told, bool quiet) {
@@ -169,8 +207,8 @@ void SaveSurface(TIN const& tin, std::string const& file, std::string const& tol
   Progress const progress("write", guess, quiet);
   TINFile writer;
   bool const tried = writer.SaveTIN(FromUtf8(file).c_str(), tin);
+  if (!tried || writer.LastError() == ENOMEM) throw OutOfMemory(tin.GetNumberOfPoints());
   if (writer.LastError() != 0) throw Failure(told, SystemReason(writer.LastError()));
-  if (!tried) throw Failure(told, "out of memory");
 }
 
 }  // namespace qeltin::cli

@@ -28,14 +28,21 @@ struct InputOptions : CommonOptions {
 // there is none.
 HeldSurface OpenSurface(std::string const& name, InputOptions const& options);
 
+// Takes points one by one.
+using TakePoint = std::function<void(IPoint const&)>;
+
+// Is told, once and early, about how many points a file will give. Never told where nobody knows.
+using ExpectPoints = std::function<void(double)>;
+
 // Hands every point of a file to `take`, in their order: of a stored surface, the data points.
 // Throws Failure.
-void ReadPoints(std::string const& name, InputOptions const& options,
-                std::function<void(IPoint const&)> const& take);
+void ReadPoints(std::string const& name, InputOptions const& options, TakePoint const& take,
+                ExpectPoints const& expect = {});
 
-// Appends the points that ReadPoints gives.
-void AppendPoints(std::string const& name, InputOptions const& options,
-                  std::vector<IPoint>& points);
+// Appends the points that ReadPoints gives, or of them those that `keep` says yes to. Throws
+// Failure; OutOfMemory.
+void AppendPoints(std::string const& name, InputOptions const& options, std::vector<IPoint>& points,
+                  std::function<bool(IPoint const&)> const& keep = {});
 
 // Writes a native file. Throws Failure, in the name of `told`, where it does not get to the disk
 // whole.

@@ -161,7 +161,7 @@ void Run(VolumeOptions const& options) {
   options.Step();
   std::vector<TPolygon> const polygons = ReadPolygons(options.polygons);
   HeldSurface const tin = OpenSurface(options.surface, options);
-  if (FactsOf(*tin).visible_triangles == 0) {
+  if (!HasVisibleTriangle(*tin)) {
     throw Failure(options.surface, "has no visible triangle");
   }
   LowerBy(options.Datum(), *tin);

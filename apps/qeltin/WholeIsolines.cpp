@@ -4,6 +4,8 @@
 #include <functional>
 #include <utility>
 
+#include "apps/qeltin/Sweep.h"
+
 namespace qeltin::cli {
 
 WholeIsolines::WholeIsolines(TIN const& tin, std::vector<double> levels)
@@ -23,16 +25,14 @@ void WholeIsolines::FindBlock() {
 }
 
 void WholeIsolines::FindCrossed() {
-  for (int i = 0; i < m_Tin.GetNumberOfTriangles(); ++i) {
-    TTriangle const* const t = m_Tin.GetTriangle(i, true);
-    if (!IsOpen(*t)) continue;
-    auto const [low, high] =
-        std::minmax({t->m_pVertex[0]->z, t->m_pVertex[1]->z, t->m_pVertex[2]->z});
+  ForEachTriangle(m_Tin, [this](TTriangle const& t) {
+    if (!IsOpen(t)) return;
+    auto const [low, high] = std::minmax({t.m_pVertex[0]->z, t.m_pVertex[1]->z, t.m_pVertex[2]->z});
     auto level = std::upper_bound(m_Levels.begin(), m_Levels.end(), low);
     for (; level != m_Levels.end() && *level <= high; ++level) {
-      m_Crossed[static_cast<std::size_t>(level - m_Levels.begin())].push_back(t);
+      m_Crossed[static_cast<std::size_t>(level - m_Levels.begin())].push_back(&t);
     }
-  }
+  });
 }
 
 std::vector<Isoline> WholeIsolines::At(std::size_t i) {

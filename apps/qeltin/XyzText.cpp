@@ -15,6 +15,8 @@ namespace qeltin::cli {
 
 namespace {
 
+constexpr long long SAMPLE = 10'000;  // lines that tell how long the others are
+
 // Returns the line in quotes, or "the text" where it cannot be read again.
 std::string QuotedLine(std::string const& name, long long number) {
   std::error_code error;
@@ -93,18 +95,23 @@ class Text {
 
 }  // namespace
 
-XyzSummary ReadXyz(std::string const& name, InputOptions const& options,
-                   std::function<void(IPoint const&)> const& take) {
+XyzSummary ReadXyz(std::string const& name, InputOptions const& options, TakePoint const& take,
+                   ExpectPoints const& expect) {
   Text text(name);
   XyzReader& reader = text.Reader();
+  double const size = static_cast<double>(reader.GetSize());
   long long line = 0;
   {
-    Progress progress("read", static_cast<double>(reader.GetSize()), options.quiet);
+    Progress progress("read", size, options.quiet);
     TPoint p;
     while (reader.Next(p)) {
       if (!options.lenient) line = text.CheckLine(p, line);
       take({p.x, p.y, p.z});
-      progress.Done(static_cast<double>(reader.GetPosition()));
+      auto const position = static_cast<double>(reader.GetPosition());
+      if (reader.GetCount() == SAMPLE && expect && size > position) {
+        expect(size / position * static_cast<double>(SAMPLE));
+      }
+      progress.Done(position);
     }
   }
   std::string const note = text.CheckEnd(options.lenient, line);

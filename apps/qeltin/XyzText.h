@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "apps/qeltin/SurfaceInput.h"
@@ -19,7 +18,7 @@ struct XyzSummary {
 //
 // With --lenient the text is read as the library reads it: as a stream of triples to which line
 // ends mean nothing, up to the first text that is no triple. That place is told in a note.
-XyzSummary ReadXyz(std::string const& name, InputOptions const& options,
-                   std::function<void(IPoint const&)> const& take);
+XyzSummary ReadXyz(std::string const& name, InputOptions const& options, TakePoint const& take,
+                   ExpectPoints const& expect = {});
 
 }  // namespace qeltin::cli
