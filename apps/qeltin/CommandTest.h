@@ -128,6 +128,9 @@ class Command {
   // No file may grow beyond so many bytes: to the command that is a disk that runs full.
   Command& FileLimit(rlim_t bytes) { return m_iFileLimit = bytes, *this; }
 
+  // It gets so much memory, its own code included. Not for sanitizers, which want it all.
+  Command& MemoryLimit(rlim_t bytes) { return m_iMemoryLimit = bytes, *this; }
+
   // Takes away the right of root to write where nobody may.
   Command& WithoutOverride() { return m_bOverride = false, *this; }
 
@@ -186,6 +189,10 @@ class Command {
       struct rlimit const limit{m_iFileLimit, m_iFileLimit};
       setrlimit(RLIMIT_FSIZE, &limit);
     }
+    if (m_iMemoryLimit != RLIM_INFINITY) {
+      struct rlimit const limit{m_iMemoryLimit, m_iMemoryLimit};
+      setrlimit(RLIMIT_AS, &limit);
+    }
     constexpr int CAP_DAC_OVERRIDE = 1;
     if (!m_bOverride) prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
     std::filesystem::current_path(m_Folder.Path());
@@ -207,6 +214,7 @@ class Command {
   int m_iOut = CAPTURED;
   int m_iErr = CAPTURED;
   rlim_t m_iFileLimit = RLIM_INFINITY;
+  rlim_t m_iMemoryLimit = RLIM_INFINITY;
   bool m_bOverride = true;
   int m_iIgnored = 0;
 };

@@ -7,6 +7,7 @@
 namespace qeltin::cli::testing {
 namespace {
 
+using ::testing::ContainsRegex;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
@@ -165,6 +166,23 @@ TEST_F(ProgressBar, TellsTheShareAndAnEstimate) {
   terminal.Await("sample  [------------------------] 0 %  about ");
   running.Signal(SIGINT);
   EXPECT_EQ(running.Wait().status, 130);
+}
+
+TEST_F(ProgressBar, GivesWayToTheTimeSoFarWhereTheWorkTakesLongerThanGuessed) {
+  std::string const survey = MustRun({"sample", "--points", "250000", "-q"}).out;
+  Terminal terminal;
+  Running running =
+      Qeltin({"build", "-", "-o", "out.tin", "--keep-order"}).ErrTo(terminal.Descriptor()).Start();
+  running.Say(survey);
+  running.EndInput();
+  // It builds now, and is stopped for longer than it should take.
+  usleep(50'000);
+  running.Signal(SIGSTOP);
+  usleep(1'500'000);
+  running.Signal(SIGCONT);
+  terminal.Await("build  ");
+  EXPECT_EQ(running.Wait().status, 0);
+  EXPECT_THAT(terminal.Screen(), ContainsRegex("build  [0-9]+ s so far"));
 }
 
 TEST_F(ProgressBar, DoesNotAppearInALog) {
