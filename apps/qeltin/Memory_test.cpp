@@ -45,7 +45,9 @@ TEST_F(Memory, MoreThanThereIsIsToldBeforePointsAreRead) {
   // A file of 2,000,000,000 points, nearly all of it a hole that takes no room on the disk.
   constexpr std::uint32_t COUNT = 2'000'000'000;
   constexpr std::size_t COUNT_AT = 107;
-  std::string bytes = qeltin::testing::LasFile({.points = {{{1, 2, 3}}}});
+  qeltin::testing::LasModel model;
+  model.points.push_back({{1, 2, 3}});
+  std::string bytes = qeltin::testing::LasFile(model);
   std::memcpy(bytes.data() + COUNT_AT, &COUNT, sizeof COUNT);
   m_Folder.Put("s.las", bytes);
   std::filesystem::resize_file(
