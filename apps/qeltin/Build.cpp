@@ -36,12 +36,12 @@ class Stopwatch {
 struct BuildResult {
   long long read = 0;
   long long outside = 0;  // of --bounds
-  SurfaceFacts facts;
+  SurfaceCounts counts;
   double seconds_read = 0.0;
   double seconds_build = 0.0;
   double seconds_write = 0.0;
 
-  long long Duplicates() const { return read - outside - facts.vertices; }
+  long long Duplicates() const { return read - outside - counts.vertices; }
 };
 
 std::optional<Box> ParseBounds(BuildOptions const& options) {
@@ -81,24 +81,24 @@ HeldSurface Build(std::vector<IPoint> points, std::optional<Box> const& bounds,
   if (!why.empty()) throw Failure(name, why);
 
   HeldSurface tin = BuildSurface(std::move(points), options.keep_order, bounds, options.quiet);
-  result.facts = FactsOf(*tin);
+  result.counts = CountsOf(*tin);
   // In the order of the files every triangle may be hidden, however sound the surface is.
   if (!options.keep_order) RequireVisible(*tin, name);
   return tin;
 }
 
 void Tell(BuildOptions const& options, BuildResult const& result) {
-  SurfaceFacts const& facts = result.facts;
+  SurfaceCounts const& counts = result.counts;
   if (options.json) {
     PrintResult(Dump({{"file", options.output},
                       {"points_read", result.read},
-                      {"points_in_surface", facts.vertices},
+                      {"points_in_surface", counts.vertices},
                       {"duplicates", result.Duplicates()},
                       {"refused", result.outside},
-                      {"triangles", facts.triangles},
-                      {"visible_triangles", facts.visible_triangles},
-                      {"bounds", ToJson(facts.bounds, options.style)},
-                      {"world_bounds", ToJson(facts.world_bounds, options.style)},
+                      {"triangles", counts.triangles},
+                      {"visible_triangles", counts.visible_triangles},
+                      {"bounds", ToJson(counts.bounds, options.style)},
+                      {"world_bounds", ToJson(counts.world_bounds, options.style)},
                       {"seconds",
                        {{"read", result.seconds_read},
                         {"build", result.seconds_build},
@@ -108,12 +108,12 @@ void Tell(BuildOptions const& options, BuildResult const& result) {
   if (options.quiet) return;
   Report report(options.style);
   report.Add("points read", result.read);
-  report.Add("points in surface", facts.vertices);
+  report.Add("points in surface", counts.vertices);
   report.Add("duplicates", result.Duplicates());
   if (result.outside > 0) report.Add("outside the bounds", result.outside);
-  report.Add("triangles", facts.triangles);
-  report.Add("visible triangles", facts.visible_triangles);
-  report.Add("bounds", facts.bounds);
+  report.Add("triangles", counts.triangles);
+  report.Add("visible triangles", counts.visible_triangles);
+  report.Add("bounds", counts.bounds);
   PrintResult(report.Text());
 }
 

@@ -16,7 +16,7 @@ SurfaceFacts FactsOf(Mesh const& mesh) {
       whole = whole && there;
     }
     if (!whole || (t.flags & (TRI_FILTERED | TRI_OUTSIDE)) != 0) {
-      gatherer.AddHiddenTriangle();
+      gatherer.CountTriangle(false);
     } else {
       auto const corner = [&](std::size_t k) {
         return mesh.points[static_cast<std::size_t>(t.corners[k])];

@@ -49,6 +49,14 @@ class VertexMarks {
   std::vector<bool> m_Marked;
 };
 
+FactsGatherer GathererFor(TIN const& tin) {
+  Box bounds;
+  Box world;
+  tin.GetBounds(bounds.min, bounds.max);
+  tin.GetWorldBounds(world.min, world.max);
+  return {bounds, world};
+}
+
 double PlanDistance(IPoint const& a, IPoint const& b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
 double SquaredPlanDistance(IPoint const& a, IPoint const& b) {
@@ -150,9 +158,13 @@ FactsGatherer::FactsGatherer(Box const& bounds, Box const& world_bounds) {
   m_Facts.highest = -m_Facts.lowest;
 }
 
-void FactsGatherer::AddVisibleTriangle(TPoint const& a, TPoint const& b, TPoint const& c) {
+void FactsGatherer::CountTriangle(bool visible) {
   ++m_Facts.triangles;
-  ++m_Facts.visible_triangles;
+  if (visible) ++m_Facts.visible_triangles;
+}
+
+void FactsGatherer::AddVisibleTriangle(TPoint const& a, TPoint const& b, TPoint const& c) {
+  CountTriangle(true);
   m_Facts.area += PlanArea(a, b, c);
   for (TPoint const* corner : {&a, &b, &c}) {
     m_Facts.lowest = std::min(m_Facts.lowest, corner->z);
@@ -174,20 +186,28 @@ SurfaceFacts FactsGatherer::Facts() const {
 }
 
 SurfaceFacts FactsOf(TIN const& tin) {
-  Box bounds;
-  Box world;
-  tin.GetBounds(bounds.min, bounds.max);
-  tin.GetWorldBounds(world.min, world.max);
-  FactsGatherer gatherer(bounds, world);
+  FactsGatherer gatherer = GathererFor(tin);
   VertexMarks marks(tin);
   ForEachTriangle(tin, [&](TTriangle const& t) {
     marks.MarkCorners(t);
     if (t.IsHidden()) {
-      gatherer.AddHiddenTriangle();
+      gatherer.CountTriangle(false);
     } else {
       gatherer.AddVisibleTriangle(*t.m_pVertex[0], *t.m_pVertex[1], *t.m_pVertex[2]);
     }
   });
+  ForEachPoint(tin, [&](TPoint const& p) { gatherer.AddPoint(p, marks.Has(p)); });
+  return gatherer.Facts();
+}
+
+SurfaceCounts CountsOf(TIN const& tin) {
+  FactsGatherer gatherer = GathererFor(tin);
+  VertexMarks marks(tin);
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    TTriangle const& t = *tin.GetTriangle(i, true);
+    marks.MarkCorners(t);
+    gatherer.CountTriangle(!t.IsHidden());
+  }
   ForEachPoint(tin, [&](TPoint const& p) { gatherer.AddPoint(p, marks.Has(p)); });
   return gatherer.Facts();
 }

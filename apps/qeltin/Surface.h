@@ -34,8 +34,8 @@ class Extent {
   long long m_iCount = 0;
 };
 
-// What there is to tell about a surface.
-struct SurfaceFacts {
+// How many there are of what a surface is made of, and where it lies.
+struct SurfaceCounts {
   int points = 0;       // live, seed corners included
   int data_points = 0;  // live, without the seed corners
   int vertices = 0;     // data points that are corners of a triangle
@@ -43,6 +43,10 @@ struct SurfaceFacts {
   int visible_triangles = 0;
   Box bounds;  // data bounds
   Box world_bounds;
+};
+
+// What there is to tell about a surface.
+struct SurfaceFacts : SurfaceCounts {
   double lowest = 0.0;  // corners of visible triangles; 0 without any
   double highest = 0.0;
   double area = 0.0;  // of the visible triangles, in plan
@@ -50,12 +54,15 @@ struct SurfaceFacts {
 
 SurfaceFacts FactsOf(TIN const& tin);
 
+// The same without what asks for the corners of every triangle, in a third of the time.
+SurfaceCounts CountsOf(TIN const& tin);
+
 // Gathers the facts of a surface element by element.
 class FactsGatherer {
  public:
   FactsGatherer(Box const& bounds, Box const& world_bounds);
 
-  void AddHiddenTriangle() { ++m_Facts.triangles; }
+  void CountTriangle(bool visible);
   void AddVisibleTriangle(TPoint const& a, TPoint const& b, TPoint const& c);
 
   // `vertex` tells whether a triangle, hidden ones too, has the point as a corner.
