@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
@@ -30,44 +29,72 @@ class Cavity {
   bool Replace(TIN& tin, TPoint* p, TTriangle* start);
 
  private:
+  static constexpr int INNER = 0;  // the place of a side that is not on the rim
+
+  // A triangle of the cavity. The search came to each but the first across a side of another one.
+  struct Member {
+    TTriangle* triangle;
+    int parent;
+    signed char parent_side;
+    signed char entry;  // the side that leads back to the parent; 3 where none does
+    int place[4];       // in the ring, of each side; INNER where it is not on the rim
+  };
+
+  // A side of a member that is on the rim.
+  struct RimSide {
+    TTriangle* triangle;
+    int side;
+    int place;
+  };
+
   // An edge of the rim, directed as in its cavity triangle: clockwise about the hole. Its fan
   // triangle has the corners (p, a, b), with a below b by address, or (a, p, b) where b lies to the
   // left of the edge from p to a.
   struct RimEdge {
-    TPoint* from;
-    TPoint* to;
+    TPoint* ends[2];    // a, b
     TTriangle* outer;   // null on the hull
     TTriangle* fan;     // the triangle made on this edge
     int outer_side;     // the side of `outer` that leads into the cavity
     int next;           // the rim edge that begins where this one ends
-    bool ascending;     // `from` is a, `to` is b
+    bool ascending;     // it runs from a to b
     bool swapped;       // corners 0 and 1 of the fan triangle were swapped
-    bool from_outside;  // `from` is outside the data bounds
+    bool from_outside;  // it begins outside the data bounds
+
+    TPoint* From() const { return ends[ascending ? 0 : 1]; }
+    TPoint* To() const { return ends[ascending ? 1 : 0]; }
   };
 
   void Grow(TPoint const& p, TTriangle* start);
+  void MakeRoom();
+  bool ListRim();
+  RimEdge& StartEdge(int i);
   bool CollectRim(TIN const& tin, TPoint* p);
-  bool CollectRimChecked(TPoint* p);
-  bool LinkRing();
-  bool RimIsSimple(TPoint const& p);
+  void CollectRimChecked(TPoint* p);
+  bool IsMutual() const;
+  bool RimIsSimple(TPoint* p);
   bool ApexIsApart(RimEdge const& edge, TPoint const& p) const;
-  bool InnerSidesAreApart() const;
   bool NewSlotsAreApart(TIN const& tin) const;
 
-  // Return false, with nothing changed, where the triangle pool lacks room.
+  // Return false, with nothing changed but the marks taken back, where the triangle pool lacks
+  // room.
   bool FillRing(TIN& tin, TPoint* p);
   bool FillByValue(TIN& tin, TPoint* p);
-  bool HasRoom(TIN const& tin, std::size_t edges) const;
 
-  void Unmark();
-  void LeaveOver(TIN& tin);
+  bool HasRoom(TIN const& tin, int edges) const;
+  void GiveUp(TIN& tin);
+  TTriangle* TakeSlot(TIN& tin, int edge, TPoint* p, TPoint* a, TPoint* b) const;
+  void LeaveOver(TIN& tin, int edges);
 
-  TTriangle* TakeSlot(TIN& tin, TPoint* p, TPoint* a, TPoint* b);
+  int m_iMembers = 0;
+  int m_iEdges = 0;
 
-  std::vector<TTriangle*> m_Triangles;                     // the cavity, in the order found
-  std::vector<std::pair<TTriangle*, std::size_t>> m_Path;  // of the search: triangle, next side
-  std::vector<RimEdge> m_Rim;
-  RingTable m_Table;
+  // Storage for the most that the members may need; what is in use stands at the front.
+  std::vector<Member> m_Members;    // in the order found
+  std::vector<int> m_After;         // the place in the ring after each place
+  std::vector<int> m_EdgeAt;        // the rim edge at each place
+  std::vector<RimSide> m_RimSides;  // in the order of the members
+  std::vector<RimEdge> m_Rim;       // the same
+  RingTable m_Table;                // the rim edges by where they begin
 };
 
 }  // namespace qeltin::detail

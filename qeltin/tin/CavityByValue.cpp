@@ -199,13 +199,20 @@ Triangles OuterOf(Triangles const& cavity) {
 }  // namespace
 
 bool Cavity::FillByValue(TIN& tin, TPoint* p) {
-  Triangles const outer = OuterOf(m_Triangles);
-  std::vector<Pair> const boundary = BoundaryOf(m_Triangles);
-  if (!HasRoom(tin, boundary.size())) return false;
+  Triangles cavity;
+  for (int i = 0; i < m_iMembers; ++i) {
+    cavity.push_back(m_Members[static_cast<std::size_t>(i)].triangle);
+  }
+  Triangles const outer = OuterOf(cavity);
+  std::vector<Pair> const boundary = BoundaryOf(cavity);
+  if (!HasRoom(tin, static_cast<int>(boundary.size()))) {
+    GiveUp(tin);
+    return false;
+  }
 
   Triangles created;
   for (auto const& [a, b] : boundary) {
-    TTriangle* const t = TakeSlot(tin, p, a, b);
+    TTriangle* const t = TakeSlot(tin, static_cast<int>(created.size()), p, a, b);
     *t = TTriangle(p, a, b);
     t->SortVertices();
     t->m_Flags = tin.InBounds(*t) ? 0 : TRI_OUTSIDE;
@@ -213,6 +220,7 @@ bool Cavity::FillByValue(TIN& tin, TPoint* p) {
     created.push_back(t);
   }
   LinkAll(created, outer);
+  LeaveOver(tin, static_cast<int>(created.size()));
   return true;
 }
 
