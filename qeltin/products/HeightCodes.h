@@ -59,6 +59,14 @@ class HeightCodes {
     return (ranks | (AreNear(code, other) & AreNear(code, third))) != 0;
   }
 
+  // Has the codes fetched that MayMatter will look at.
+  [[gnu::always_inline]] void Prefetch(TTriangle const& t) const {
+    for (TPoint const* corner : t.m_pVertex) {
+      std::size_t const slot = SlotOf(corner);
+      if (slot < m_Codes.size()) __builtin_prefetch(&m_Codes[slot]);
+    }
+  }
+
   // Returns the levels that cross `t`; all of them where a corner is not a number or of another
   // pool.
   Levels LevelsOf(TTriangle const& t) const {
@@ -92,7 +100,7 @@ class HeightCodes {
     double const* first = levels.data();
     for (std::size_t count = levels.size(); count > 0;) {
       std::size_t const half = (count + 1) / 2;
-      first += first[half - 1] <= z ? half : 0;
+      first += half & (0 - std::size_t{first[half - 1] <= z});  // a compiler makes ?: a branch
       count -= half;
     }
     return static_cast<unsigned>(first - levels.data());

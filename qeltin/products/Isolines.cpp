@@ -19,6 +19,8 @@ constexpr double FLAT = 1e-11;  // heights closer than this are one
 constexpr int FEWEST_TRIANGLES = 3;
 constexpr int FEWEST_FAR = 2000;  // triangles; among fewer, a walk from anywhere costs little
 
+constexpr int AHEAD = 16;  // triangles fetched before their turn
+
 int Next(int corner) { return corner == 2 ? 0 : corner + 1; }
 
 bool IsFlat(TTriangle const& t) {
@@ -26,6 +28,13 @@ bool IsFlat(TTriangle const& t) {
   double const b = t.m_pVertex[1]->z;
   double const c = t.m_pVertex[2]->z;
   return std::fabs(a - b) < FLAT && std::fabs(b - c) < FLAT && std::fabs(c - a) < FLAT;
+}
+
+[[gnu::always_inline]] inline void PrefetchCorners(TTriangle const& t) {
+  for (TPoint const* corner : t.m_pVertex) {
+    __builtin_prefetch(corner);
+    __builtin_prefetch(&corner->z);  // a record may lie across two lines
+  }
 }
 
 }  // namespace
@@ -71,22 +80,34 @@ class IsolineTracer {
   }
 
   // Clears all marks, and notes in live order the flat triangles and those that each level may
-  // cross.
+  // cross. What a triangle will be asked for is fetched a few triangles before.
   template <typename Code>
   void Sweep(HeightCodes<Code> const& codes) {
     int const count = m_Tin.GetNumberOfTriangles();
+    std::vector<TTriangle*> matter;
+    std::size_t noted = 0;
     for (int i = 0; i < count; ++i) {
+      if (i + AHEAD < count) codes.Prefetch(*m_Tin.GetTriangle(i + AHEAD, true));
       TTriangle* const t = m_Tin.GetTriangle(i, true);
       if ((t->m_Flags & TRI_VISITED) != 0) t->m_Flags &= NOT_VISITED;
-      if (!codes.MayMatter(*t) || t->IsHidden() || !m_Tin.InBounds(*t)) continue;
-      if (IsFlat(*t)) {
-        m_Flat.push_back(t);
-        continue;
-      }
-      auto const levels = codes.LevelsOf(*t);
-      for (std::size_t level = levels.first; level < levels.last; ++level) {
-        m_Crossed[level].push_back(t);
-      }
+      if (!codes.MayMatter(*t)) continue;
+      PrefetchCorners(*t);
+      matter.push_back(t);
+      if (matter.size() > noted + AHEAD) Note(matter[noted++], codes);
+    }
+    while (noted < matter.size()) Note(matter[noted++], codes);
+  }
+
+  template <typename Code>
+  void Note(TTriangle* t, HeightCodes<Code> const& codes) {
+    if (t->IsHidden() || !m_Tin.InBounds(*t)) return;
+    if (IsFlat(*t)) {
+      m_Flat.push_back(t);
+      return;
+    }
+    auto const levels = codes.LevelsOf(*t);
+    for (std::size_t level = levels.first; level < levels.last; ++level) {
+      m_Crossed[level].push_back(t);
     }
   }
 
@@ -107,7 +128,19 @@ class IsolineTracer {
     m_Marked.push_back(&t);
   }
 
+  // The lines go from one of `triangles` to another, in an order that no processor foresees.
+  static void FetchAll(std::vector<TTriangle*> const& triangles) {
+    for (std::size_t i = 0; i < triangles.size() + AHEAD; ++i) {
+      if (i < triangles.size()) {
+        __builtin_prefetch(triangles[i]);
+        __builtin_prefetch(&triangles[i]->m_Flags);
+      }
+      if (i >= AHEAD) PrefetchCorners(*triangles[i - AHEAD]);
+    }
+  }
+
   void TraceAll(std::vector<TTriangle*> const& starts, std::vector<TPolygon*>& lines) {
+    FetchAll(starts);
     for (TTriangle* t : starts) {
       if ((t->m_Flags & TRI_VISITED) != 0) continue;
       int const entry = EntryOf(*t);

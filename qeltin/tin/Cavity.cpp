@@ -315,6 +315,7 @@ bool Cavity::FillRing(TIN& tin, TPoint* p) {
     t.m_pAdjacent[sides.after] = next.fan;
     next.fan->m_pAdjacent[FAN_SIDES[next.ascending][next.swapped].before] = &t;
   }
+  tin.m_Triangulator.m_Fan.Note(p, m_iEdges, [rim](int i) { return rim[i].fan; });
   return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
+#include "qeltin/tin/FanLinks.h"
 #include "qeltin/tin/RingTable.h"
 
 class TIN;
@@ -74,6 +75,7 @@ class Cavity {
   bool RimIsSimple(TPoint* p);
   bool ApexIsApart(RimEdge const& edge, TPoint const& p) const;
   bool NewSlotsAreApart(TIN const& tin) const;
+  bool NewSlotsAreUnmarked(TIN const& tin, int edges) const;
 
   // Return false, with nothing changed but the marks taken back, where the triangle pool lacks
   // room.
@@ -95,6 +97,7 @@ class Cavity {
   std::vector<RimSide> m_RimSides;  // in the order of the members
   std::vector<RimEdge> m_Rim;       // the same
   RingTable m_Table;                // the rim edges by where they begin
+  FanLinks m_FanLinks;
 };
 
 }  // namespace qeltin::detail

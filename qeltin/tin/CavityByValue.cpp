@@ -198,6 +198,15 @@ Triangles OuterOf(Triangles const& cavity) {
 
 }  // namespace
 
+// Returns true iff no slot that the fan takes anew is in the hole already.
+bool Cavity::NewSlotsAreUnmarked(TIN const& tin, int edges) const {
+  TArray<TTriangle> const& pool = *tin.m_pTriangles;
+  for (int i = 0; i < edges - m_iMembers; ++i) {
+    if ((pool.At(pool.m_iCount + i)->m_Flags & TRI_CAVITY) != 0) return false;
+  }
+  return true;
+}
+
 bool Cavity::FillByValue(TIN& tin, TPoint* p) {
   Triangles cavity;
   for (int i = 0; i < m_iMembers; ++i) {
@@ -205,11 +214,13 @@ bool Cavity::FillByValue(TIN& tin, TPoint* p) {
   }
   Triangles const outer = OuterOf(cavity);
   std::vector<Pair> const boundary = BoundaryOf(cavity);
-  if (!HasRoom(tin, static_cast<int>(boundary.size()))) {
+  auto const edges = static_cast<int>(boundary.size());
+  if (!HasRoom(tin, edges)) {
     GiveUp(tin);
     return false;
   }
 
+  bool const apart = NewSlotsAreUnmarked(tin, edges);
   Triangles created;
   for (auto const& [a, b] : boundary) {
     TTriangle* const t = TakeSlot(tin, static_cast<int>(created.size()), p, a, b);
@@ -219,8 +230,10 @@ bool Cavity::FillByValue(TIN& tin, TPoint* p) {
     t->CalcTri();
     created.push_back(t);
   }
-  LinkAll(created, outer);
-  LeaveOver(tin, static_cast<int>(created.size()));
+  if (!apart || !m_FanLinks.Link(p, boundary, created, outer)) LinkAll(created, outer);
+  tin.m_Triangulator.m_Fan.Note(p, edges,
+                                [&](int i) { return created[static_cast<std::size_t>(i)]; });
+  LeaveOver(tin, edges);
   return true;
 }
 

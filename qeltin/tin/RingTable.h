@@ -32,6 +32,14 @@ class RingTable {
     return true;
   }
 
+  // Returns the number of the vertex equal to `vertex`, which is entered under `number` where there
+  // is none. REQUIRES: it equals itself.
+  int FindOrAdd(TPoint const* vertex, int number) {
+    Entry& entry = m_Entries[Slot(*vertex)];
+    if (entry.vertex == nullptr) entry = Entry{vertex, number};
+    return entry.number;
+  }
+
   // Returns the number of the vertex equal to `p`, or NONE.
   int Find(TPoint const& p) const { return m_Entries[Slot(p)].number; }
 

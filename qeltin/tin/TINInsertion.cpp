@@ -10,7 +10,7 @@ TPoint* TIN::AddPoint(double x, double y, double z) { return AddPoint(TPoint(x, 
 TPoint* TIN::AddPoint(TPoint const& p) {
   if (!InWorldBounds(p)) return nullptr;
   if (m_pPoints->m_iCount == 0 && !Seed()) return nullptr;
-  TTriangle* const triangle = m_Triangulator.Find(p);
+  TTriangle* const triangle = m_Triangulator.FindToInsert(p);
   if (triangle == nullptr || m_pPoints->IsFull()) return nullptr;
   if (m_pPointMap != nullptr) m_pPointMap->ForgetIndex();
   return AddPoint(m_pPoints->Add(p), triangle);

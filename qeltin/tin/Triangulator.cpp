@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <map>
 
 #include "qeltin/kernel/SideTest.h"
@@ -17,6 +18,7 @@ using qeltin::detail::Steering;
 namespace {
 
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
+constexpr int SHORT_WALK = 100;         // steps that the walk to a point to be inserted may take
 constexpr int COARSE = 16;              // triangles for each that a first index knows
 constexpr int TRIANGLES_A_STEP = 4;     // that an index takes in while a long walk takes a step
 constexpr int TRIANGLES_A_QUERY = 32;   // that it takes in while a coarse one leads a query
@@ -34,6 +36,22 @@ bool IsWellInside(TTriangle const& t, TPoint const& p) {
     if (!qeltin::detail::SideProduct(from, to, p, error).PassesBeyondBand()) return false;
   }
   return true;
+}
+
+[[gnu::always_inline]] inline void PrefetchAround(TTriangle const& t) {
+  for (TTriangle const* const beside : t.m_pAdjacent) {
+    if (beside == nullptr) continue;
+    __builtin_prefetch(beside);
+    __builtin_prefetch(&beside->m_Flags);  // a record may lie across two lines
+  }
+}
+
+double SquaredDistanceToCorner(TTriangle const& t, TPoint const& p) {
+  double nearest = std::numeric_limits<double>::infinity();
+  for (TPoint const* corner : t.m_pVertex) {
+    nearest = std::min(nearest, p.XY_Distance(*corner, true));
+  }
+  return nearest;
 }
 
 // Returns true iff the next step from `t` towards `p` leaves the mesh. No step is sure of a place
@@ -63,6 +81,8 @@ void Triangulator::ForgetIndex() {
   m_iIndexed = 0;
   m_iLongSteps = 0;
   m_iFarQueries = 0;
+  m_iVainChecks = 0;
+  m_Fan.Forget();
 }
 
 TTriangle* Triangulator::Find(TPoint const& p) {
@@ -96,11 +116,7 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
   TTriangle* current = m_pCurrent;
   TTriangle* previous = nullptr;
   for (steps = 0; steps < budget; ++steps) {
-    for (TTriangle const* const beside : current->m_pAdjacent) {
-      if (beside == nullptr) continue;
-      __builtin_prefetch(beside);
-      __builtin_prefetch(&beside->m_Flags);  // a record may lie across two lines
-    }
+    PrefetchAround(*current);
     int const side = tiles ? steering.Where(*current) : current->WhereTri(p);
     if (side == 3) {
       m_pCurrent = current;
@@ -123,13 +139,57 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
   return nullptr;
 }
 
+// Not only one triangle may hold `p` where rounding decides or the surface does not tile: then the
+// walk from m_pCurrent comes first, which finds the same one every time.
+TTriangle* Triangulator::FindToInsert(TPoint const& p) {
+  if (m_pCurrent == nullptr || m_pTin->m_pStartPoints != nullptr) return Find(p);
+  if (m_pTin->m_bTiling) {
+    TTriangle* const found = FindInside(p);
+    return found != nullptr ? found : Find(p);
+  }
+  if (Walk(p, CHEAP_WALK) != nullptr) return m_pCurrent;
+  if (m_pTriangles->m_iCount < SMALLEST_INDEXED) return Find(p);
+  RenewIndexIfItPays();
+  m_pCurrent = NearestStart(p);
+  TTriangle* const found = LongWalk(p);
+  return found != nullptr ? found : Find(p);
+}
+
+// Returns the only triangle that holds `p`, up to rounding; or null, with m_pCurrent as it was,
+// where only Find can tell or the walk is long.
+TTriangle* Triangulator::FindInside(TPoint const& p) {
+  bool const far = m_pIndex != nullptr && qeltin::detail::IsFar(*m_pCurrent, p);
+  if (far) {
+    if (TTriangle* const found = FindFar(p)) return found;
+  }
+  TTriangle* const before = m_pCurrent;
+  m_pCurrent = far ? NearestStart(p) : m_Fan.Toward(p, m_pCurrent);
+  int steps = 0;
+  TTriangle* const found = WalkInside(p, SHORT_WALK, steps);
+  if (steps > CHEAP_WALK && m_pTriangles->m_iCount >= SMALLEST_INDEXED) {
+    m_iLongSteps += steps;
+    RenewIndexIfItPays();
+  }
+  if (found != nullptr && IsWellInside(*found, p)) return found;
+  m_pCurrent = before;
+  return nullptr;
+}
+
 TTriangle* Triangulator::FindNext(TPoint const& p) {
+  int steps = 0;
+  return m_pCurrent == nullptr ? nullptr : WalkInside(p, m_pTriangles->m_iCount, steps);
+}
+
+// Walks from m_pCurrent to the triangle that certainly holds `p`. Null where rounding decides or
+// the budget runs out. m_pCurrent is where the walk ends in any case.
+TTriangle* Triangulator::WalkInside(TPoint const& p, int budget, int& steps) {
   using qeltin::detail::SideFan;
-  if (m_pCurrent == nullptr || !m_pTin->IsWithinReach(p)) return nullptr;
+  if (!m_pTin->IsWithinReach(p)) return nullptr;
   SideFan const seen(p, qeltin::detail::SideErrorWithin(m_pTin->m_dReach));
   TTriangle* current = m_pCurrent;
   int entry = 3;
-  for (int steps = m_pTriangles->m_iCount; steps > 0; --steps) {
+  for (steps = 0; steps < budget; ++steps) {
+    PrefetchAround(*current);
     int exit = 3;
     bool inside = true;
     for (int side = 0; side < 3; ++side) {
@@ -175,23 +235,38 @@ TTriangle* Triangulator::FindFar(TPoint const& p) {
 // there is no index. The fine index stays out: among triangles whose bands share a place, the way
 // that the walk comes decides, and so it rests on fewer things.
 TTriangle* Triangulator::FindByIndex(TPoint const& p) {
-  int const count = m_pTriangles->m_iCount;
-  if (IndexPays()) {
-    m_pIndex = MakeIndex(COARSE);
-    m_pFineIndex.reset();
-    m_iFarQueries = 0;
-    m_iIndexed = count;
-    m_iLongSteps = 0;
-  }
+  RenewIndexIfItPays();
   if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p);
+  return LongWalk(p);
+}
+
+// Walks from m_pCurrent as far as it takes.
+TTriangle* Triangulator::LongWalk(TPoint const& p) {
   int steps = 0;
-  TTriangle* const found = Walk(p, count, steps);
+  TTriangle* const found = Walk(p, m_pTriangles->m_iCount, steps);
   m_iLongSteps += steps;
-  if (m_pIndex != nullptr && !m_pTin->m_bTiling && m_iLongSteps > count / TRIANGLES_A_STEP) {
+  if (m_pIndex != nullptr && !m_pTin->m_bTiling && CheckPays()) {
     m_pTin->FindWhetherItTiles();
     m_iLongSteps = 0;
+    if (!m_pTin->m_bTiling) ++m_iVainChecks;
   }
   return found;
+}
+
+// An index goes out of date at the edge of a surface that grows there.
+TTriangle* Triangulator::NearestStart(TPoint const& p) const {
+  TTriangle* const start = m_Fan.Toward(p, m_pCurrent);
+  if (m_pIndex == nullptr) return start;
+  TTriangle* const indexed = m_pIndex->Near(p);
+  return SquaredDistanceToCorner(*start, p) < SquaredDistanceToCorner(*indexed, p) ? start
+                                                                                   : indexed;
+}
+
+// Returns true iff walks have cost as much, since the last check whether the surface tiles, as the
+// next one costs, and twice as much after each that was in vain: most surfaces once broken stay so.
+bool Triangulator::CheckPays() const {
+  long long const patience = 1LL << std::min(m_iVainChecks, 20);
+  return m_iLongSteps > m_pTriangles->m_iCount / TRIANGLES_A_STEP * patience;
 }
 
 // Returns true iff the pool has doubled since an index was built, if ever, and the walks since then
@@ -199,6 +274,15 @@ TTriangle* Triangulator::FindByIndex(TPoint const& p) {
 bool Triangulator::IndexPays() const {
   int const count = m_pTriangles->m_iCount;
   return count / 2 >= m_iIndexed && m_iLongSteps > count / (COARSE * TRIANGLES_A_STEP);
+}
+
+void Triangulator::RenewIndexIfItPays() {
+  if (!IndexPays()) return;
+  m_pIndex = MakeIndex(COARSE);
+  m_pFineIndex.reset();
+  m_iFarQueries = 0;
+  m_iIndexed = m_pTriangles->m_iCount;
+  m_iLongSteps = 0;
 }
 
 std::unique_ptr<LocationIndex> Triangulator::MakeIndex(int stride) const {

@@ -7,11 +7,13 @@
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
 #include "qeltin/platform/Export.h"
+#include "qeltin/tin/LastFan.h"
 #include "qeltin/tin/TArray.h"
 
 class TIN;
 
 namespace qeltin::detail {
+class Cavity;
 class GridSampler;
 class LocationIndex;
 }  // namespace qeltin::detail
@@ -31,8 +33,8 @@ class QELTIN_API Triangulator {
   // must outlive the next Seat. A null pool leaves an object whose queries answer null.
   void Seat(TIN* tin, TArray<TTriangle>* triangles);
 
-  // Drops the index over the pool. To be called when a triangle is cut off: the index might go on
-  // leading to it.
+  // Drops all hints where a walk might begin. To be called when a triangle is cut off: they might
+  // go on leading to it.
   void ForgetIndex();
 
   // Returns the triangle that holds `p`, hidden ones included, or null where there is none.
@@ -50,6 +52,9 @@ class QELTIN_API Triangulator {
   // leaves the mesh, with m_pCurrent as it was.
   // REQUIRES: m_pCurrent is not null.
   TTriangle* Walk(TPoint const& p, int budget);
+
+  // As Find for a point that is to be inserted: begins long walks where the last one was inserted.
+  TTriangle* FindToInsert(TPoint const& p);
 
   // As Find for bulk building, where chance decides which way a walk goes: walks from m_pCurrent
   // and returns the triangle that certainly holds `p`, kept in m_pCurrent; or null, with m_pCurrent
@@ -80,11 +85,18 @@ class QELTIN_API Triangulator {
   double m_dDeltaY = 0.0;
 
  private:
+  friend class qeltin::detail::Cavity;
   friend class qeltin::detail::GridSampler;
 
   TTriangle* Walk(TPoint const& p, int budget, int& steps);
+  TTriangle* LongWalk(TPoint const& p);
+  TTriangle* FindInside(TPoint const& p);
+  TTriangle* WalkInside(TPoint const& p, int budget, int& steps);
   TTriangle* FindByIndex(TPoint const& p);
+  TTriangle* NearestStart(TPoint const& p) const;
   bool IndexPays() const;
+  void RenewIndexIfItPays();
+  bool CheckPays() const;
   std::unique_ptr<qeltin::detail::LocationIndex> MakeIndex(int stride) const;
   TTriangle* FindBySample(TPoint const& p);
   TTriangle* FindByStartPoints(TPoint const& p);
@@ -93,7 +105,9 @@ class QELTIN_API Triangulator {
 
   std::unique_ptr<qeltin::detail::LocationIndex> m_pIndex;      // null until it pays
   std::unique_ptr<qeltin::detail::LocationIndex> m_pFineIndex;  // over all triangles
+  qeltin::detail::LastFan m_Fan;
   int m_iIndexed = 0;          // triangles when the first one was built
   long long m_iLongSteps = 0;  // steps of long walks since then
   int m_iFarQueries = 0;       // that the first one has led
+  int m_iVainChecks = 0;       // of whether the surface tiles
 };
