@@ -342,6 +342,53 @@ TEST(InsertionReferenceEdge, TheHubOfAWheelOpensAHoleOfAnySize) {
   }
 }
 
+// A sounding each half metre on nearly straight tracks 20 m apart, to the centimetre. In a wide world
+// box, rounding decides about circles through its corners.
+std::vector<TPoint> LongTracks(int count, int per_track, Dice& dice) {
+  std::vector<TPoint> points;
+  for (int i = 0; i < count; ++i) {
+    int const track = i / per_track;
+    int const step = track % 2 == 0 ? i % per_track : per_track - 1 - i % per_track;
+    double const along = 0.5 * step + 0.02 * dice.Normal();
+    double const across = 20.0 * track + 0.4 * std::sin(along / 40.0);
+    double const x = 4.0e5 + 0.8 * along - 0.6 * across;
+    double const y = 4.9e6 + 0.6 * along + 0.8 * across;
+    points.emplace_back(std::round(x * 100.0) / 100.0, std::round(y * 100.0) / 100.0, step);
+  }
+  return points;
+}
+
+// As in a world box that reaches more than a hundred widths beyond the points.
+void AddInWideBox(Twin& twin, std::vector<TPoint> const& points) {
+  Extent const extent = ExtentOf(points);
+  TPoint const max(extent.min.x + 11 * (extent.max.x - extent.min.x),
+                   extent.min.y + 11 * (extent.max.y - extent.min.y));
+  twin.Init(static_cast<int>(points.size()), extent.min, max);
+  twin.AddPoints(points);
+  twin.Compare();
+}
+
+TEST(InsertionReferenceEdge, LongTracksThatRoundingBreaksAreEqual) {
+  Dice dice(TestSeed());
+  Twin twin(1000);
+  AddInWideBox(twin, LongTracks(1800, 900, dice));
+  ASSERT_EQ(twin.Fault(), "");
+  EXPECT_FALSE(VerifySurface(twin.Tin()).Ok());
+}
+
+TEST(InsertionReferenceEdge, RowsOfAGridThatMeetTheWholeRowBeforeAreEqual) {
+  for (Place const& place : PLACES) {
+    std::vector<TPoint> points;
+    for (int i = 0; i < 1200; ++i) {
+      points.emplace_back(place.frame.east + i % 150, place.frame.north + i / 150, i);
+    }
+    Twin twin(400);
+    AddInWideBox(twin, points);
+    ASSERT_EQ(twin.Fault(), "") << place.name;
+    EXPECT_GT(twin.SureLocations(), 0);
+  }
+}
+
 TEST(InsertionReferenceEdge, AFullPointPoolIsEqual) {
   Twin twin;
   twin.Init(-990, TPoint(0, 0, 0), TPoint(10, 10, 10));  // room for 14 points
