@@ -75,6 +75,7 @@ bool EarTest::IsEar(TPoint a, TPoint b, TPoint c) const {
 }
 
 bool EarTest::HoldsVertex(TTriangle const& ear) const {
+  if (ear.m_RadiusSq != ear.m_RadiusSq) return false;  // no place is in a circle that is no number
   auto const holds = [&](TPoint const& v) {
     return ear.XY_HasPoint(v) && v != *ear.m_pVertex[0] && v != *ear.m_pVertex[1] &&
            v != *ear.m_pVertex[2];

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/products/EdgeTree.h"
+#include "qeltin/products/RayCrossing.h"
 #include "qeltin/products/TPolygon.h"
 
 namespace qeltin::detail {
@@ -22,10 +24,11 @@ class SlantedRayIndex {
 
  private:
   double SmallestRise(double y) const;
+  bool IsInsideByNearlyLevelRay(SlantedRay const& ray, double band) const;
 
   TPolygon m_Polygon;
-  std::vector<TPoint> m_Figure;  // the vertices; none where only the polygon itself can tell
-  std::vector<double> m_Levels;  // the y of the vertices, in rising order, each once
+  std::vector<TPoint> m_Figure;        // the vertices; none where only the polygon itself can tell
+  std::vector<std::size_t> m_ByLevel;  // the vertices by rising y
   EdgeTree m_Edges;
 };
 

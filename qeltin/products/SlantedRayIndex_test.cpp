@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "testing/FigureCases.h"
 #include "testing/MakeFigure.h"
 #include "testing/reference/StatedPolygon.h"
@@ -60,6 +63,43 @@ TEST_P(SlantedRayIndexOf, FiguresOfExtremeSize) {
 
 INSTANTIATE_TEST_SUITE_P(All, SlantedRayIndexOf, ::testing::ValuesIn(ALL_FIGURES),
                          [](auto const& instance) { return NameOf(instance.param); });
+
+// Vertices in pairs whose levels differ by rounding only, asked at the middle of two that are.
+TEST(SlantedRayIndex, AMirroredFigureIsAskedBetweenItsVertices) {
+  Dice dice(TestSeed());
+  for (Frame const& frame : {AT_ORIGIN, AT_UTM}) {
+    for (int round = 0; round < 60; ++round) {
+      int const count = 4 + dice.Below(200);
+      double const bend = dice.Between(-50.0, 50.0);
+      std::vector<TPoint> figure;
+      for (int i = 0; i <= count; ++i) {
+        double const t = static_cast<double>(i) / count;
+        figure.emplace_back(frame.east + 100 * t, frame.north + bend * t * (1 - t));
+      }
+      figure.emplace_back(frame.east + 100, frame.north - 80);
+      figure.emplace_back(frame.east, frame.north - 80);
+      SlantedRayIndex const index(figure);
+      for (std::size_t i = 0; i < figure.size(); ++i) {
+        TPoint const& a = figure[i];
+        for (std::size_t j :
+             {i, i + 1, i + 2, figure.size() - 3 - std::min(i, figure.size() - 3)}) {
+          TPoint const& b = figure[j % figure.size()];
+          TPoint const place((a.x + b.x) / 2, (a.y + b.y) / 2);
+          ASSERT_EQ(index.Contains(place), stated::PointInPolygon(figure, place))
+              << i << " and " << j << " of " << count << ", bend " << bend;
+        }
+      }
+    }
+  }
+}
+
+TEST(SlantedRayIndex, AFigureWithoutHeightHoldsNothing) {
+  std::vector<TPoint> const figure{{0, 5}, {10, 5}, {3, 5}};
+  for (double x : {0.0, 3.0, 5.0, 10.0}) {
+    EXPECT_FALSE(SlantedRayIndex(figure).Contains(TPoint(x, 5)));
+    EXPECT_FALSE(stated::PointInPolygon(figure, TPoint(x, 5)));
+  }
+}
 
 TEST(SlantedRayIndex, HoldsNothingWithoutVertices) {
   EXPECT_FALSE(SlantedRayIndex({}).Contains(TPoint(0, 0)));

@@ -342,8 +342,8 @@ TEST(InsertionReferenceEdge, TheHubOfAWheelOpensAHoleOfAnySize) {
   }
 }
 
-// A sounding each half metre on nearly straight tracks 20 m apart, to the centimetre. In a wide world
-// box, rounding decides about circles through its corners.
+// A sounding each half metre on nearly straight tracks 20 m apart, to the centimetre. In a wide
+// world box, rounding decides about circles through its corners.
 std::vector<TPoint> LongTracks(int count, int per_track, Dice& dice) {
   std::vector<TPoint> points;
   for (int i = 0; i < count; ++i) {
