@@ -21,8 +21,8 @@ class LastFan {
     if (count < SMALLEST) return;
     m_pApex = apex;
     int step = 4;
-    while (step * step < count) step *= 2;
-    for (int i = 0; i < count && m_iCount < MOST; i += step) m_Triangles[m_iCount++] = fanAt(i);
+    while (step * step < count || step * MOST < count) step *= 2;
+    for (int i = 0; i < count; i += step) m_Triangles[m_iCount++] = fanAt(i);
   }
 
   // Returns a triangle to walk to `p` from: one in its direction, where `start` is of the fan.
