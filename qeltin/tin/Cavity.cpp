@@ -301,8 +301,9 @@ bool Cavity::FillRing(TIN& tin, TPoint* p) {
     RimEdge const& edge = rim[i];
     RimEdge const& next = rim[edge.next];
     TTriangle& t = *edge.fan;
-    t.m_pVertex[0] = edge.swapped ? edge.ends[0] : p;
-    t.m_pVertex[1] = edge.swapped ? p : edge.ends[0];
+    TPoint* const first[2] = {p, edge.ends[0]};  // not by ?:, whose branch none foresees
+    t.m_pVertex[0] = first[edge.swapped];
+    t.m_pVertex[1] = first[!edge.swapped];
     t.m_pVertex[2] = edge.ends[1];
     t.CalcTri();
     t.m_Flags = (outside | edge.from_outside | next.from_outside) ? TRI_OUTSIDE : 0;
