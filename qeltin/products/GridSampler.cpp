@@ -4,7 +4,6 @@
 
 #include "qeltin/kernel/SideTest.h"
 #include "qeltin/tin/LocationIndex.h"
-#include "qeltin/tin/Steering.h"
 
 namespace qeltin::detail {
 
@@ -140,7 +139,8 @@ void GridSampler::Note(Leg& leg) {
   Record(*walker.Current(), walker.Target(), NodeAt(column, leg.row));
   leg.track->at.push_back(walker.Current());
   if (column == 0 || walker.Moves() == 0) return;  // the first is found by a walk from elsewhere
-  if (walker.Moves() >= CHEAP_WALK || IsFar(*walker.Start(), walker.Target())) {
+  if (walker.Moves() >= Triangulator::CHEAP_WALK ||
+      m_Location.IsFar(*walker.Start(), walker.Target().x, walker.Target().y)) {
     bool const sure = IsSure(*walker.Current(), walker.Target());
     leg.track->far.push_back({column, walker.Moves(), sure});
   }
@@ -205,7 +205,7 @@ bool GridSampler::HasNoIndexYet() const {
 }
 
 void GridSampler::CountSteps(int moves) {
-  if (moves >= CHEAP_WALK) m_Location.m_iLongSteps += moves;
+  if (moves >= Triangulator::CHEAP_WALK) m_Location.m_iLongSteps += moves;
 }
 
 // Whether a far query builds an index rests on the steps of the long walks before it.

@@ -10,7 +10,6 @@
 #include "qeltin/products/HeightCodes.h"
 #include "qeltin/products/TPolygon.h"
 #include "qeltin/tin/LiveSlots.h"
-#include "qeltin/tin/Steering.h"
 #include "qeltin/tin/TIN.h"
 
 namespace {
@@ -215,7 +214,7 @@ class IsolineTracer {
     bool const chance =
         m_Tin.GetNumberOfTriangles() >= FEWEST_FAR && m_Tin.m_pStartPoints == nullptr;
     if (chance && location.m_pCurrent != nullptr) {
-      if (location.Walk(p, CHEAP_WALK) != nullptr) return location.m_pCurrent;
+      if (location.Walk(p, Triangulator::CHEAP_WALK) != nullptr) return location.m_pCurrent;
       location.m_pCurrent = start;
     }
     return location.Find(p);

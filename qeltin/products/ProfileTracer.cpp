@@ -40,7 +40,7 @@ int ProfileTracer::Trace(std::vector<TPolygon>& profiles, TPoint const& from, TP
 bool ProfileTracer::Walk(std::vector<TPoint>& points, TTriangle const* first, TTriangle const* last,
                          TPoint const& from, TPoint const& to) {
   GiveSteps();
-  return ProfileWalk(points, from, to, m_bGaps, m_iSteps).Run(first, last);
+  return ProfileWalk(points, from, to, m_bGaps, m_iSteps).Run(m_Tin, first, last);
 }
 
 bool ProfileTracer::Clip(TPoint const& from, TPoint const& to) {
@@ -87,7 +87,7 @@ bool ProfileTracer::TracePass(std::vector<TPolygon>& profiles) {
     if (has_height) m_Piece.emplace_back(m_To.x, m_To.y, z);  // the height of the start
     m_bGoOn = false;
   } else if (SettleFirst()) {
-    m_bGoOn = !ProfileWalk(m_Piece, m_From, m_To, m_bGaps, m_iSteps).Run(m_pFirst, m_pLast);
+    m_bGoOn = !ProfileWalk(m_Piece, m_From, m_To, m_bGaps, m_iSteps).Run(m_Tin, m_pFirst, m_pLast);
   }
   AppendPiece(profiles);
 

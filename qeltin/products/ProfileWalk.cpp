@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "qeltin/products/ProfileScout.h"
+#include "qeltin/products/ProfileVanguard.h"
 
 namespace qeltin::detail {
 
@@ -70,7 +71,7 @@ void ProfileWalk::EndIn(TTriangle const& last) {
   AddCrossing(m_Ahead, m_Right);
 }
 
-bool ProfileWalk::Run(TTriangle const* first, TTriangle const* last) {
+bool ProfileWalk::Run(TIN const& tin, TTriangle const* first, TTriangle const* last) {
   if (m_dLength == 0.0) return true;
   int const exit = FindExit(*first);
   if (exit == 3) return true;
@@ -81,9 +82,11 @@ bool ProfileWalk::Run(TTriangle const* first, TTriangle const* last) {
   }
 
   int back = first->TriSide(exit);
-  ProfileScout scout(m_Ray, last);
+  ProfileVanguard vanguard(tin, m_Ray, m_dLength);
+  ProfileScout scout(m_Ray, vanguard.IsIdle() ? last : nullptr);
   while (back < 3 && m_iSteps-- > 0) {
-    FetchNext(*t, back);
+    if (vanguard.IsIdle()) FetchNext(*t, back);
+    vanguard.Lead(t, back, m_Ahead.along);
     scout.Step(m_Ahead.along);
     if (Enter(t, back)) return true;  // the end itself is left out
     if (!m_bMet) m_Ray.Meets(m_Right, m_Left, m_Crossing);

@@ -5,6 +5,7 @@
 #include "qeltin/kernel/TPoint.h"
 #include "qeltin/kernel/TTriangle.h"
 #include "qeltin/tin/PlanRay.h"
+#include "qeltin/tin/TIN.h"
 
 namespace qeltin::detail {
 
@@ -25,7 +26,7 @@ class ProfileWalk {
 
   // Walks from `first` towards `last`, which may be null. Returns false where the walk came to the
   // edge of the surface. REQUIRES: `first` is not null; once.
-  bool Run(TTriangle const* first, TTriangle const* last);
+  bool Run(TIN const& tin, TTriangle const* first, TTriangle const* last);
 
  private:
   int FindExit(TTriangle const& first);

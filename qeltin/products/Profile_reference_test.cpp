@@ -287,6 +287,17 @@ void CompareWalks(Comparison& comparison, LineMaker& lines, TIN const& tin, int 
   }
 }
 
+// Asks for places far from each other until an index pays.
+void MakeLocationIndex(TIN const& tin, Dice& dice) {
+  TPoint min;
+  TPoint max;
+  tin.GetBounds(min, max);
+  for (int i = 0; i < 2000 && !TINPeer::Location(tin).HasIndex(); ++i) {
+    double const x = dice.Between(min.x, max.x);
+    tin.GetTriangleWithPoint(TPoint(x, dice.Between(min.y, max.y)));
+  }
+}
+
 using SurveyAtPlace = std::tuple<Survey, Place>;
 
 class ProfileReference : public ::testing::TestWithParam<SurveyAtPlace> {
@@ -315,6 +326,15 @@ class ProfileReference : public ::testing::TestWithParam<SurveyAtPlace> {
 };
 
 TEST_P(ProfileReference, LinesOverASurfaceAreEqual) { Compare(); }
+
+TEST_P(ProfileReference, WalksThatKnowTheirWayAheadAreEqual) {
+  LineMaker lines(m_Tin, m_Dice);
+  MakeLocationIndex(m_Tin, m_Dice);
+  if (!TINPeer::Location(m_Tin).HasIndex()) GTEST_SKIP() << "walks too short for an index to pay";
+  Comparison comparison(m_Tin);
+  CompareWalks(comparison, lines, m_Tin, 400);
+  EXPECT_EQ(comparison.Fault(), "");
+}
 
 TEST_P(ProfileReference, LinesOverAFilteredSurfaceAreEqual) {
   for (int i = 0; i < m_Tin.GetNumberOfTriangles(); ++i) {
@@ -475,6 +495,28 @@ INSTANTIATE_TEST_SUITE_P(All, Patchwork, ::testing::ValuesIn(DAMAGES),
 
 // --- Real surveys
 // ----------------------------------------------------------------------------------
+
+TEST(ProfileReferenceInTwoHeaps, LongWalksThatKnowTheirWayAheadAreEqual) {
+  constexpr double APART = 1e6;
+  Dice dice(TestSeed());
+  TIN tin;
+  tin.Init(20000, TPoint(0, 0), TPoint(APART + 1, 1));
+  for (int i = 0; i < 20000; ++i) {
+    double const x = (i % 2 == 0 ? 0.0 : APART) + dice.Unit();
+    tin.LoadPoint(x, dice.Unit(), dice.Unit());
+  }
+  tin.Triangulate();
+  MakeLocationIndex(tin, dice);
+  ASSERT_TRUE(TINPeer::Location(tin).HasIndex());
+  Comparison comparison(tin);
+  for (int i = 0; i < 40; ++i) {
+    TPoint const from(dice.Unit() * 0.2, dice.Unit());
+    TPoint const to((i % 2 == 0 ? 0.8 : APART) + 0.2 * dice.Unit(), dice.Unit());
+    comparison.Walk(tin.GetTriangleWithPoint(from), tin.GetTriangleWithPoint(to), from, to);
+    comparison.Walk(tin.GetTriangleWithPoint(to), tin.GetTriangleWithPoint(from), to, from);
+  }
+  EXPECT_EQ(comparison.Fault(), "");
+}
 
 TEST(ProfileReferenceOnSurveys, LinesAreEqual) {
   char const* const folder = std::getenv("QELTIN_SURVEYS");

@@ -55,13 +55,13 @@ int StepsTo(TPoint const& p, TTriangle const* start) {
 double MeanSteps(TIN& tin, std::vector<IPoint> const& places, int stride = 1) {
   LocationIndex const index = IndexOf(tin, stride);
   double steps = 0.0;
-  for (IPoint const& p : places) steps += StepsTo(TPoint(p), index.Near(TPoint(p)));
+  for (IPoint const& p : places) steps += StepsTo(TPoint(p), index.Near(p.x, p.y));
   return steps / static_cast<double>(places.size());
 }
 
 TEST(LocationIndex, AnEmptyPoolHasNothingNear) {
   TIN tin(TPoint(0, 0), TPoint(1, 1), 10);
-  EXPECT_EQ(IndexOf(tin).Near(TPoint(0.5, 0.5)), nullptr);
+  EXPECT_EQ(IndexOf(tin).Near(0.5, 0.5), nullptr);
 }
 
 TEST(LocationIndex, LeadsToWithinAFewSteps) {
@@ -105,7 +105,7 @@ TEST(LocationIndex, AnyPlaceHasATriangleNear) {
   LocationIndex const index = IndexOf(tin);
   for (double x : {-inf, -1e300, 0.0, 0.5, 1e300, inf, std::nan("")}) {
     for (double y : {-inf, -1e300, 0.0, 0.5, 1e300, inf, std::nan("")}) {
-      EXPECT_NE(index.Near(TPoint(x, y)), nullptr) << x << " " << y;
+      EXPECT_NE(index.Near(x, y), nullptr) << x << " " << y;
     }
   }
 }

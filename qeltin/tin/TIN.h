@@ -25,6 +25,7 @@ class Compaction;
 class GridSampler;
 class IsolineTracer;
 class ProfileTracer;
+class ProfileVanguard;
 class Removal;
 }  // namespace qeltin::detail
 namespace qeltin::testing {
@@ -371,6 +372,7 @@ class QELTIN_API TIN {
   friend class qeltin::detail::GridSampler;
   friend class qeltin::detail::IsolineTracer;
   friend class qeltin::detail::ProfileTracer;
+  friend class qeltin::detail::ProfileVanguard;
   friend class qeltin::detail::Removal;
   friend struct qeltin::testing::TINPeer;
 
@@ -386,6 +388,7 @@ class QELTIN_API TIN {
   // Adds the points in random order through the public AddPoint.
   void InsertInRandomOrder(std::vector<TPoint> const& points);
 
+  bool GetZ(double x, double y, double& z, TTriangle* triangle) const;
   TTriangle* TraverseFind(TPoint const& p, int budget) const;
   void GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result);
 

@@ -145,19 +145,25 @@ int TIN::GetTrianglesWithEdge(TEdge const& edge, TTriangle*& first, TTriangle*& 
 }
 
 bool TIN::GetZ(TPoint const& p, double& z, TTriangle* triangle) const {
-  if (!InBounds(p)) return false;
-  if (triangle == nullptr) triangle = m_Triangulator.Find(p);
+  return GetZ(p.x, p.y, z, triangle);
+}
+
+bool TIN::GetZ(double x, double y, double& z) const { return GetZ(x, y, z, nullptr); }
+
+// By value: out of a point that was stored just now they would be read as one, which has to wait
+// for the store.
+bool TIN::GetZ(double x, double y, double& z, TTriangle* triangle) const {
+  if (!InBounds({x, y})) return false;
+  if (triangle == nullptr) triangle = m_Triangulator.Find(x, y);
   if (triangle == nullptr || triangle->IsHidden()) return false;
   TPoint const& A = *triangle->m_pVertex[0];
   TPoint const& B = *triangle->m_pVertex[1];
   TPoint const& C = *triangle->m_pVertex[2];
   double const d = (C.y - A.y) * (B.x - A.x) - (C.x - A.x) * (B.y - A.y);
   if (d == 0.0) return false;
-  z = triangle->GetZ(p.x, p.y);
+  z = triangle->GetZ(x, y);
   return true;
 }
-
-bool TIN::GetZ(double x, double y, double& z) const { return GetZ(TPoint(x, y), z, nullptr); }
 
 void TIN::GetTrianglesWithPoint(TPoint const* p, std::deque<TTriangle*>& result) {
   result.clear();

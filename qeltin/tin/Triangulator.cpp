@@ -8,29 +8,36 @@
 
 #include "qeltin/kernel/SideTest.h"
 #include "qeltin/tin/LocationIndex.h"
-#include "qeltin/tin/Steering.h"
+#include "qeltin/tin/SureWalk.h"
 #include "qeltin/tin/TIN.h"
 
-using qeltin::detail::CHEAP_WALK;
 using qeltin::detail::LocationIndex;
-using qeltin::detail::Steering;
+using qeltin::detail::SideErrorWithin;
+using qeltin::detail::SureWalk;
 
 namespace {
 
+constexpr double NEAR_SIDES = 8.0;      // of the last triangle; beyond, an index is asked at once
 constexpr int SMALLEST_INDEXED = 2000;  // triangles; walking fewer is cheaper than an index
 constexpr int SHORT_WALK = 100;         // steps that the walk to a point to be inserted may take
 constexpr int COARSE = 16;              // triangles for each that a first index knows
 constexpr int TRIANGLES_A_STEP = 4;     // that an index takes in while a long walk takes a step
-constexpr int TRIANGLES_A_QUERY = 32;   // that it takes in while a coarse one leads a query
+constexpr int TRIANGLES_A_QUERY = 64;   // that it takes in while a coarse one leads a query
+
+double Longer(double width, double height) { return std::max(std::fabs(width), std::fabs(height)); }
+
+// Returns true iff `p` is so near to a corner that the bands of a triangle behind it may meet
+// there.
+bool IsAtCorner(TTriangle const& t, TPoint const& p) { return t.XY_FindVertex(p) != nullptr; }
 
 // Returns true only where `p` is inside by more than the band of the side test, so that no
 // neighbour accepts it, and away from the corners, where the bands of a triangle behind meet.
 bool IsWellInside(TTriangle const& t, TPoint const& p) {
-  if (t.XY_FindVertex(p) != nullptr) return false;
+  if (IsAtCorner(t, p)) return false;
   for (int side = 0; side < 3; ++side) {
     TPoint const& from = *t.m_pVertex[side];
     TPoint const& to = *t.m_pVertex[side == 2 ? 0 : side + 1];
-    double const error = qeltin::detail::SideErrorWithin(std::max(
+    double const error = SideErrorWithin(std::max(
         std::fabs(p.x) + std::fabs(p.y),
         std::max(std::fabs(from.x) + std::fabs(from.y), std::fabs(to.x) + std::fabs(to.y))));
     if (!qeltin::detail::SideProduct(from, to, p, error).PassesBeyondBand()) return false;
@@ -85,14 +92,41 @@ void Triangulator::ForgetIndex() {
   m_Fan.Forget();
 }
 
-TTriangle* Triangulator::Find(TPoint const& p) {
+TTriangle* Triangulator::Find(TPoint const& p) { return Find(p.x, p.y); }
+
+TTriangle* Triangulator::Find(double x, double y) {
+  if (m_pCurrent == nullptr || !IsSureGround(x, y)) return FindWithCare({x, y});
+  if (m_pIndex != nullptr && IsFar(*m_pCurrent, x, y)) {
+    if (TTriangle* const found = FindFar(x, y)) return found;
+    return FindWithCare({x, y});
+  }
+  SureWalk walk(m_pCurrent, x, y, SideErrorWithin(m_pTin->m_dReach));
+  if (walk.Run(CHEAP_WALK) != SureWalk::End::There) return FindWithCare({x, y});
+  if (walk.Steps() > 0) walk.FetchCornersAround();
+  m_pCurrent = walk.Current();
+  return m_pCurrent;
+}
+
+bool Triangulator::IsSureGround(double x, double y) const {
+  return m_pTin->m_bTiling && m_pTin->m_dReach <= SureWalk::LARGEST_REACH &&
+         m_pTin->IsWithinReach({x, y});
+}
+
+// Returns true iff an index, where there is one, is asked before a walk from `t` to the place is
+// tried.
+bool Triangulator::IsFar(TTriangle const& t, double x, double y) {
+  TPoint const& a = *t.m_pVertex[0];
+  TPoint const& b = *t.m_pVertex[1];
+  TPoint const& c = *t.m_pVertex[2];
+  double const longest = std::max(Longer(b.x - a.x, b.y - a.y), Longer(c.x - a.x, c.y - a.y));
+  return Longer(x - a.x, y - a.y) > NEAR_SIDES * longest;
+}
+
+TTriangle* Triangulator::FindWithCare(TPoint const& p) {
   if (m_pTriangles == nullptr) return nullptr;
   if (m_pCurrent == nullptr) {
     if (m_pTriangles->m_iCount <= 0) return nullptr;
     m_pCurrent = m_pTriangles->At(0);
-  }
-  if (m_pIndex != nullptr && m_pTin->m_bTiling) {
-    if (TTriangle* const found = FindFar(p)) return found;
   }
   if (Walk(p, CHEAP_WALK) != nullptr) return m_pCurrent;  // not what the walk returned
   if (m_pTin->m_pStartPoints != nullptr && m_pTin->m_pStartPoints->m_iCount > 0) {
@@ -111,13 +145,24 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget) {
 }
 
 TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
-  bool const tiles = m_pTin->m_bTiling && m_pTin->IsWithinReach(p);
-  Steering steering(p, qeltin::detail::SideErrorWithin(m_pTin->m_dReach));
   TTriangle* current = m_pCurrent;
   TTriangle* previous = nullptr;
-  for (steps = 0; steps < budget; ++steps) {
-    PrefetchAround(*current);
-    int const side = tiles ? steering.Where(*current) : current->WhereTri(p);
+  steps = 0;
+  if (IsSureGround(p.x, p.y)) {
+    SureWalk walk(current, p.x, p.y, SideErrorWithin(m_pTin->m_dReach));
+    walk.FetchAround();
+    SureWalk::End const end = walk.Run(budget);
+    steps = walk.Steps();
+    current = walk.Current();
+    previous = walk.Previous();
+    if (end == SureWalk::End::There) {
+      m_pCurrent = current;
+      return current;
+    }
+    if (end == SureWalk::End::Out) return nullptr;
+  }
+  for (; steps < budget; ++steps) {
+    int const side = current->WhereTri(p);
     if (side == 3) {
       m_pCurrent = current;
       return current;
@@ -125,7 +170,6 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
     TTriangle* const next = current->m_pAdjacent[side];
     if (next == nullptr) return nullptr;
     if (next != previous) {
-      steering.Cross(*current, side);
       previous = current;
       current = next;
       continue;
@@ -134,7 +178,6 @@ TTriangle* Triangulator::Walk(TPoint const& p, int budget, int& steps) {
     if (current->XY_HasPoint(p)) return current;
     if (previous->XY_HasPoint(p)) return previous;
     current = m_pTriangles->At(RandomPosition());
-    steering.Jump();
   }
   return nullptr;
 }
@@ -158,9 +201,9 @@ TTriangle* Triangulator::FindToInsert(TPoint const& p) {
 // Returns the only triangle that holds `p`, up to rounding; or null, with m_pCurrent as it was,
 // where only Find can tell or the walk is long.
 TTriangle* Triangulator::FindInside(TPoint const& p) {
-  bool const far = m_pIndex != nullptr && qeltin::detail::IsFar(*m_pCurrent, p);
-  if (far) {
-    if (TTriangle* const found = FindFar(p)) return found;
+  bool const far = m_pIndex != nullptr && IsFar(*m_pCurrent, p.x, p.y);
+  if (far && IsSureGround(p.x, p.y)) {
+    if (TTriangle* const found = FindFar(p.x, p.y)) return found;
   }
   TTriangle* const before = m_pCurrent;
   m_pCurrent = far ? NearestStart(p) : m_Fan.Toward(p, m_pCurrent);
@@ -185,7 +228,7 @@ TTriangle* Triangulator::FindNext(TPoint const& p) {
 TTriangle* Triangulator::WalkInside(TPoint const& p, int budget, int& steps) {
   using qeltin::detail::SideFan;
   if (!m_pTin->IsWithinReach(p)) return nullptr;
-  SideFan const seen(p, qeltin::detail::SideErrorWithin(m_pTin->m_dReach));
+  SideFan const seen(p, SideErrorWithin(m_pTin->m_dReach));
   TTriangle* current = m_pCurrent;
   int entry = 3;
   for (steps = 0; steps < budget; ++steps) {
@@ -216,19 +259,22 @@ TTriangle* Triangulator::WalkInside(TPoint const& p, int budget, int& steps) {
 }
 
 // A query far from the last one, on a sound structure: the walk from there would end in the
-// triangle that has `p` strictly inside, if it ended within its steps.
-TTriangle* Triangulator::FindFar(TPoint const& p) {
-  if (!qeltin::detail::IsFar(*m_pCurrent, p)) return nullptr;
+// triangle that has the place strictly inside, if it ended within its steps. Null, with m_pCurrent
+// as it was, where another triangle may take the place too.
+TTriangle* Triangulator::FindFar(double x, double y) {
   if (m_pFineIndex == nullptr && ++m_iFarQueries > m_pTriangles->m_iCount / TRIANGLES_A_QUERY) {
     m_pFineIndex = MakeIndex(1);
   }
+  SureWalk walk(Near(x, y), x, y, SideErrorWithin(m_pTin->m_dReach));
+  walk.FetchAround();
+  if (walk.Run(CHEAP_WALK) != SureWalk::End::There) return nullptr;
+  if (IsAtCorner(*walk.Current(), {x, y})) return nullptr;
+  m_pCurrent = walk.Current();
+  return m_pCurrent;
+}
 
-  TTriangle* const before = m_pCurrent;
-  m_pCurrent = (m_pFineIndex != nullptr ? m_pFineIndex : m_pIndex)->Near(p);
-  TTriangle* const found = Walk(p, CHEAP_WALK);
-  if (found != nullptr && found == m_pCurrent && IsWellInside(*found, p)) return found;
-  m_pCurrent = before;
-  return nullptr;
+TTriangle* Triangulator::Near(double x, double y) const {
+  return (m_pFineIndex != nullptr ? m_pFineIndex : m_pIndex)->Near(x, y);
 }
 
 // Walks as far as it takes from the indexed triangle nearest to `p`, or from the present one while
@@ -236,7 +282,7 @@ TTriangle* Triangulator::FindFar(TPoint const& p) {
 // that the walk comes decides, and so it rests on fewer things.
 TTriangle* Triangulator::FindByIndex(TPoint const& p) {
   RenewIndexIfItPays();
-  if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p);
+  if (m_pIndex != nullptr) m_pCurrent = m_pIndex->Near(p.x, p.y);
   return LongWalk(p);
 }
 
@@ -257,7 +303,7 @@ TTriangle* Triangulator::LongWalk(TPoint const& p) {
 TTriangle* Triangulator::NearestStart(TPoint const& p) const {
   TTriangle* const start = m_Fan.Toward(p, m_pCurrent);
   if (m_pIndex == nullptr) return start;
-  TTriangle* const indexed = m_pIndex->Near(p);
+  TTriangle* const indexed = m_pIndex->Near(p.x, p.y);
   return SquaredDistanceToCorner(*start, p) < SquaredDistanceToCorner(*indexed, p) ? start
                                                                                    : indexed;
 }

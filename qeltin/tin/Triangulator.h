@@ -24,6 +24,8 @@ class LocationIndex;
 // Threads: every query writes, even one through a const surface. One thread at a time.
 class QELTIN_API Triangulator {
  public:
+  static constexpr int CHEAP_WALK = 20;  // steps that a query may cost before it counts as far
+
   Triangulator();
   ~Triangulator();
   Triangulator(Triangulator const&) = delete;
@@ -45,6 +47,7 @@ class QELTIN_API Triangulator {
   // to that of building it, or a sample of the pool places a walk of any length. The index knows
   // a few triangles; one of all of them follows for queries far from each other once that pays too.
   TTriangle* Find(TPoint const& p);
+  TTriangle* Find(double x, double y);
 
   // Walks from m_pCurrent towards `p`, in at most `budget` steps. Returns the triangle that holds
   // `p`, and keeps it in m_pCurrent; or, where the walk was about to go straight back, the one of
@@ -61,6 +64,12 @@ class QELTIN_API Triangulator {
   // somewhere near, where only Find can tell.
   // REQUIRES: a surface that tiles.
   TTriangle* FindNext(TPoint const& p);
+
+  // Returns true iff Near knows triangles.
+  bool HasIndex() const { return m_pIndex != nullptr; }
+
+  // Returns a triangle that the index has near the place. REQUIRES: HasIndex().
+  TTriangle* Near(double x, double y) const;
 
   // Fills `result` with triangles that make up the figure whose corners are `ring`, clockwise,
   // their circles calculated, without neighbours and flags: by clipping ears, the one with the
@@ -89,6 +98,10 @@ class QELTIN_API Triangulator {
   friend class qeltin::detail::GridSampler;
 
   TTriangle* Walk(TPoint const& p, int budget, int& steps);
+  bool IsSureGround(double x, double y) const;
+  static bool IsFar(TTriangle const& t, double x, double y);
+  TTriangle* FindWithCare(TPoint const& p);
+  TTriangle* FindFar(double x, double y);
   TTriangle* LongWalk(TPoint const& p);
   TTriangle* FindInside(TPoint const& p);
   TTriangle* WalkInside(TPoint const& p, int budget, int& steps);
@@ -100,7 +113,6 @@ class QELTIN_API Triangulator {
   std::unique_ptr<qeltin::detail::LocationIndex> MakeIndex(int stride) const;
   TTriangle* FindBySample(TPoint const& p);
   TTriangle* FindByStartPoints(TPoint const& p);
-  TTriangle* FindFar(TPoint const& p);
   int RandomPosition() const;
 
   std::unique_ptr<qeltin::detail::LocationIndex> m_pIndex;      // null until it pays
