@@ -26,6 +26,14 @@ constexpr int TRIANGLES_A_QUERY = 64;   // that it takes in while a coarse one l
 
 double Longer(double width, double height) { return std::max(std::fabs(width), std::fabs(height)); }
 
+// Returns true iff an index is asked before a walk from `t`, whose circle is at hand, to a point to
+// be inserted: beyond 5 circumradii.
+bool IsOffCircle(TTriangle const& t, TPoint const& p) {
+  double const dx = p.x - t.m_CentreX;
+  double const dy = p.y - t.m_CentreY;
+  return dx * dx + dy * dy > 25.0 * t.m_RadiusSq;
+}
+
 // Returns true iff `p` is so near to a corner that the bands of a triangle behind it may meet
 // there.
 bool IsAtCorner(TTriangle const& t, TPoint const& p) { return t.XY_FindVertex(p) != nullptr; }
@@ -201,7 +209,7 @@ TTriangle* Triangulator::FindToInsert(TPoint const& p) {
 // Returns the only triangle that holds `p`, up to rounding; or null, with m_pCurrent as it was,
 // where only Find can tell or the walk is long.
 TTriangle* Triangulator::FindInside(TPoint const& p) {
-  bool const far = m_pIndex != nullptr && IsFar(*m_pCurrent, p.x, p.y);
+  bool const far = m_pIndex != nullptr && IsOffCircle(*m_pCurrent, p);
   if (far && IsSureGround(p.x, p.y)) {
     if (TTriangle* const found = FindFar(p.x, p.y)) return found;
   }
