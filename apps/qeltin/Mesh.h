@@ -57,7 +57,8 @@ void ForEachTriangle(Mesh const& mesh, Take&& take) {
   for (std::size_t i = 0; i < count; ++i) {
     if (i + AHEAD < count) {
       for (std::int32_t const corner : mesh.triangles[i + AHEAD].corners) {
-        if (corner >= 0) __builtin_prefetch(mesh.points.data() + corner);
+        auto const position = static_cast<std::size_t>(corner);
+        if (position < mesh.points.size()) __builtin_prefetch(&mesh.points[position]);
       }
     }
     take(static_cast<std::int32_t>(i));
