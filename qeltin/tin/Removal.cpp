@@ -6,48 +6,53 @@
 
 namespace qeltin::detail {
 
+namespace {
+
+constexpr int NONE = -1;
+
+// Returns the side of `t` that joins the two points, or NONE.
+int SideOf(TTriangle const& t, TPoint const* p, TPoint const* q) {
+  for (int side = 0; side < 3; ++side) {
+    TPoint const* const a = t.m_pVertex[side];
+    TPoint const* const b = t.m_pVertex[(side + 1) % 3];
+    if ((a == p && b == q) || (a == q && b == p)) return side;
+  }
+  return NONE;
+}
+
+}  // namespace
+
 bool Removal::Remove(TIN& tin, TPoint const* point) {
   PointMapNode* const node = tin.m_pPointMap->Find(point);
   if (node == nullptr) return false;
   m_Fan = node->GetTriangles();
-  CollectOuter(point);
   CollectEdges(point);
   if (!JoinRing()) return false;
 
-  m_Entries.clear();
-  m_Entries.push_back({point, node});
+  bool const plain = CollectCorners(tin, point, node);
   m_Filler.Fill(m_Ring, m_NewTriangles);
-  FillFan(tin);
-  ReleaseSurplus(tin);
+  tin.m_bTiling = false;
+  tin.m_Triangulator.ForgetIndex();
+  if (plain && m_Filler.Ears().size() + 1 == m_NewTriangles.size()) {
+    FillPlainly(tin);
+  } else {
+    FillByValue(tin, point);
+  }
   tin.m_pPointMap->RemovePoint(point);
   tin.m_pPoints->Remove(point);
-  Link();
   return true;
-}
-
-void Removal::CollectOuter(TPoint const* point) {
-  m_Outer.clear();
-  for (TTriangle const* t : m_Fan) {
-    for (TTriangle* neighbour : t->m_pAdjacent) {
-      if (neighbour == nullptr || neighbour->XY_FindVertex(point)) continue;
-      if (std::find(m_Outer.begin(), m_Outer.end(), neighbour) == m_Outer.end()) {
-        m_Outer.push_back(neighbour);
-      }
-      break;
-    }
-  }
 }
 
 void Removal::CollectEdges(TPoint const* point) {
   m_Edges.clear();
-  for (TTriangle const* t : m_Fan) {
+  for (TTriangle* t : m_Fan) {
     TPoint* const* const corner = t->m_pVertex;
     if (corner[0] == point) {
-      m_Edges.push_back({corner[1], corner[2]});
+      m_Edges.push_back({corner[1], corner[2], t});
     } else if (corner[1] == point) {
-      m_Edges.push_back({corner[2], corner[0]});
+      m_Edges.push_back({corner[2], corner[0], t});
     } else if (corner[2] == point) {
-      m_Edges.push_back({corner[0], corner[1]});
+      m_Edges.push_back({corner[0], corner[1], t});
     }
   }
 }
@@ -57,7 +62,9 @@ void Removal::CollectEdges(TPoint const* point) {
 bool Removal::JoinRing() {
   if (m_Edges.empty()) return false;
   m_Front.clear();
-  m_Ring = {m_Edges.back().start, m_Edges.back().end};
+  m_Back.clear();
+  m_Back.push_back({m_Edges.back().start, nullptr});
+  m_Back.push_back({m_Edges.back().end, m_Edges.back().triangle});
   m_Edges.pop_back();
   while (!m_Edges.empty()) {
     std::size_t left = 0;
@@ -67,126 +74,134 @@ bool Removal::JoinRing() {
     if (left == m_Edges.size()) return false;
     m_Edges.resize(left);
   }
-  m_Ring.insert(m_Ring.begin(), m_Front.rbegin(), m_Front.rend());
+  m_Ring.clear();
+  m_Along.clear();
+  for (std::size_t i = m_Front.size(); i-- > 0;) m_Ring.push_back(m_Front[i].point);
+  for (End const& end : m_Back) m_Ring.push_back(end.point);
+  for (std::size_t i = m_Front.size(); i-- > 0;) m_Along.push_back(m_Front[i].triangle);
+  for (std::size_t i = 1; i < m_Back.size(); ++i) m_Along.push_back(m_Back[i].triangle);
+  m_bClosed = m_Ring.back() == m_Ring.front();
   m_Ring.pop_back();  // the first corner again; of an open fan a corner that is lost
   return m_Ring.size() >= 3;
 }
 
 bool Removal::Join(Edge const& edge) {
-  TPoint* const back = m_Ring.back();
-  TPoint* const front = m_Front.empty() ? m_Ring.front() : m_Front.back();
+  TPoint* const back = m_Back.back().point;
+  TPoint* const front = m_Front.empty() ? m_Back.front().point : m_Front.back().point;
   if (edge.start == back) {
-    m_Ring.push_back(edge.end);
+    m_Back.push_back({edge.end, edge.triangle});
   } else if (edge.end == back) {
-    m_Ring.push_back(edge.start);
+    m_Back.push_back({edge.start, edge.triangle});
   } else if (edge.start == front) {
-    m_Front.push_back(edge.end);
+    m_Front.push_back({edge.end, edge.triangle});
   } else if (edge.end == front) {
-    m_Front.push_back(edge.start);
+    m_Front.push_back({edge.start, edge.triangle});
   } else {
     return false;
   }
   return true;
 }
 
-// Overwrites triangles of the fan, the last one first, by those that fill the hole.
-void Removal::FillFan(TIN& tin) {
-  m_Created.clear();
-  m_Corners.clear();
-  tin.m_bTiling = false;
-  tin.m_Triangulator.ForgetIndex();
-  for (TTriangle const& filling : m_NewTriangles) {
-    TTriangle* const t = m_Fan.back();
-    m_Fan.pop_back();
-    EraseFromMap(tin, t);
-    *t = filling;
-    EnterIntoMap(tin, t);
-    if (!tin.InBounds(*t)) t->m_Flags |= TRI_OUTSIDE;
-    m_Created.push_back(NumberCorners(t));
+// Returns the first neighbour that does not have the point, or null.
+TTriangle* Removal::OuterOf(TTriangle const& t, TPoint const* point) {
+  for (TTriangle* neighbour : t.m_pAdjacent) {
+    if (neighbour != nullptr && !neighbour->XY_FindVertex(point)) return neighbour;
   }
+  return nullptr;
 }
 
+// Takes the triangles that are left over out of the structure and the pool.
 void Removal::ReleaseSurplus(TIN& tin) {
   for (TTriangle* t : m_Fan) {
     tin.CutOff(t);
-    EraseFromMap(tin, t);
     tin.m_pTriangles->Remove(t);
   }
 }
 
-void Removal::Link() {
-  m_NumberedOuter.clear();
-  for (TTriangle* t : m_Outer) m_NumberedOuter.push_back(NumberCorners(t));
-  for (std::size_t i = 0; i < m_Created.size(); ++i) {
-    for (std::size_t j = i + 1; j < m_Created.size(); ++j) {
-      if (Adjoin(m_Created[i], m_Created[j])) Adjoin(m_Created[j], m_Created[i]);
+// Returns false where the hole has to be filled by value.
+bool Removal::CollectCorners(TIN& tin, TPoint const* point, PointMapNode const* node) {
+  std::size_t const n = m_Ring.size();
+  m_Corners.clear();
+  if (!m_bClosed || m_Fan.size() != n) return false;
+  for (std::size_t i = 0; i < n; ++i) {
+    Corner corner{m_Ring[i], tin.m_pPointMap->Find(m_Ring[i]), m_Along[i],
+                  OuterOf(*m_Along[i], point), NONE};
+    if (corner.node == nullptr || corner.node == node) return false;
+    if (corner.outer != nullptr) {
+      corner.outerSide = SideOf(*corner.outer, m_Ring[i], m_Ring[i + 1 < n ? i + 1 : 0]);
+      if (corner.outerSide == NONE) return false;
     }
-    for (Numbered const& outer : m_NumberedOuter) {
-      if (Adjoin(m_Created[i], outer)) Adjoin(outer, m_Created[i]);
+    m_Corners.push_back(corner);
+  }
+  return AreApart();
+}
+
+// Returns true iff all corners of the hole are at different places, as numbers, and none of them is
+// at the far corner of a triangle outside.
+bool Removal::AreApart() const {
+  auto const isAt = [](TPoint const& p, TPoint const& q) { return p.x == q.x && p.y == q.y; };
+  for (std::size_t i = 0; i < m_Corners.size(); ++i) {
+    TPoint const& p = *m_Corners[i].point;
+    if (!(p == p)) return false;
+    for (std::size_t j = 0; j < i; ++j) {
+      if (isAt(p, *m_Corners[j].point)) return false;
     }
-  }
-}
-
-PointMapNode* Removal::NodeOf(TIN& tin, TPoint const* point) {
-  for (Entry const& entry : m_Entries) {
-    if (entry.point == point) return entry.node;
-  }
-  m_Entries.push_back({point, tin.m_pPointMap->Find(point)});
-  return m_Entries.back().node;
-}
-
-// As PointMap::RemoveTriangle.
-void Removal::EraseFromMap(TIN& tin, TTriangle const* triangle) {
-  for (TPoint const* corner : triangle->m_pVertex) {
-    if (PointMapNode* const node = NodeOf(tin, corner)) node->Erase(triangle);
-  }
-}
-
-// As PointMap::AddTriangle.
-void Removal::EnterIntoMap(TIN& tin, TTriangle* triangle) {
-  for (TPoint const* corner : triangle->m_pVertex) {
-    PointMapNode* const node = NodeOf(tin, corner);
-    if (node == nullptr) return;
-    node->Enter(triangle);
-  }
-}
-
-int Removal::NumberOf(TPoint const* point) {
-  for (Corner const& corner : m_Corners) {
-    if (corner.point == point) return corner.number;
-  }
-  auto number = static_cast<int>(m_Corners.size());
-  for (Corner const& corner : m_Corners) {
-    if (*corner.point == *point) number = std::min(number, corner.number);
-  }
-  if (!(*point == *point)) number = EQUALS_NOTHING;
-  m_Corners.push_back({point, number});
-  return number;
-}
-
-Removal::Numbered Removal::NumberCorners(TTriangle* triangle) {
-  Numbered numbered{triangle, {}};
-  for (int k = 0; k < 3; ++k) numbered.corner[k] = NumberOf(triangle->m_pVertex[k]);
-  numbered.corner[3] = numbered.corner[0];
-  return numbered;
-}
-
-// As TTriangle::SetAdjacentPointer. Returns true iff `here` has a side that `there` has too. A side
-// with both ends in one place is any side that has an end there.
-bool Removal::Adjoin(Numbered const& here, Numbered const& there) {
-  for (int side = 0; side < 3; ++side) {
-    int const a = here.corner[side];
-    int const b = here.corner[side + 1];
-    if (a == EQUALS_NOTHING || b == EQUALS_NOTHING) continue;
-    for (int theirs = 0; theirs < 3; ++theirs) {
-      int const c = there.corner[theirs];
-      int const d = there.corner[theirs + 1];
-      if ((a != c && a != d) || (b != c && b != d)) continue;
-      here.triangle->m_pAdjacent[side] = there.triangle;
-      return true;
+    if (m_Corners[i].outer == nullptr) continue;
+    TPoint const& far = *m_Corners[i].outer->m_pVertex[(m_Corners[i].outerSide + 2) % 3];
+    for (Corner const& other : m_Corners) {
+      if (isAt(far, *other.point)) return false;
     }
   }
-  return false;
+  return true;
+}
+
+// Overwrites triangles of the fan, the last one first, by those that fill the hole.
+void Removal::FillPlainly(TIN& tin) {
+  for (std::size_t i = 0; i < m_Corners.size(); ++i) {
+    PointMapNode& node = *m_Corners[i].node;
+    node.Erase(m_Corners[i].fan);
+    node.Erase(m_Corners[i == 0 ? m_Corners.size() - 1 : i - 1].fan);
+  }
+  m_Fillings.clear();
+  for (TTriangle const& filling : m_NewTriangles) {
+    TTriangle* const t = m_Fan.back();
+    m_Fan.pop_back();
+    *t = filling;
+    if (!tin.InBounds(*t)) t->m_Flags |= TRI_OUTSIDE;
+    m_Fillings.push_back(t);
+  }
+  ReleaseSurplus(tin);
+  m_Sides.clear();
+  for (std::size_t i = 0; i < m_Corners.size(); ++i) {
+    m_Sides.push_back({i, m_Corners[i].outer, m_Corners[i].outerSide});
+  }
+  for (std::size_t i = 0; i < m_Filler.Ears().size(); ++i) {
+    CutEar(m_Filler.Ears()[i], m_Fillings[i]);
+  }
+  CutEar(0, m_Fillings.back());
+}
+
+// Joins an ear, or the triangle that is left, to what lies along its sides. Its corners are those
+// at three positions that follow each other, the first two perhaps the other way round.
+void Removal::CutEar(std::size_t position, TTriangle* ear) {
+  std::size_t const middle = position + 1 < m_Sides.size() ? position + 1 : 0;
+  std::size_t const last = middle + 1 < m_Sides.size() ? middle + 1 : 0;
+  bool const turned = ear->m_pVertex[0] != m_Corners[m_Sides[position].corner].point;
+  JoinSide(ear, 0, m_Sides[position]);
+  JoinSide(ear, turned ? 2 : 1, m_Sides[middle]);
+  int const open = turned ? 1 : 2;
+  if (m_Sides.size() == 3) JoinSide(ear, open, m_Sides[last]);
+  for (std::size_t at : {position, middle, last}) {
+    m_Corners[m_Sides[at].corner].node->Enter(ear);
+  }
+  m_Sides[position] = {m_Sides[position].corner, ear, open};
+  m_Sides.erase(m_Sides.begin() + static_cast<std::ptrdiff_t>(middle));
+}
+
+void Removal::JoinSide(TTriangle* t, int side, Side const& along) {
+  if (along.across == nullptr) return;
+  t->m_pAdjacent[side] = along.across;
+  along.across->m_pAdjacent[along.back] = t;
 }
 
 }  // namespace qeltin::detail
