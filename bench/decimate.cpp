@@ -1,7 +1,10 @@
-// Thins a surface to a tenth of its points, in runs of one pass each, near to the origin.
+// Thins a surface to a tenth of its points: `thin` in rounds of a host's own, as the command does
+// by default, `runs` in runs of one pass each of a Decimator, near to the origin.
+#include <limits>
 #include <unordered_map>
 
 #include "apps/qeltin/PlaneDistances.h"
+#include "apps/qeltin/RoundThinning.h"
 #include "bench/BuildSurface.h"
 #include "bench/HeightError.h"
 #include "bench/Measurement.h"
@@ -36,7 +39,19 @@ int Run(TIN& tin, float error) {
   return tin.GetMap().GetNumberOfPoints();
 }
 
-[[gnu::noinline]] void Thin(TIN& tin, int target) {
+[[gnu::noinline]] void ThinInRounds(TIN& tin, int target) {
+  int left = tin.GetNumberOfPoints() - SEED_CORNERS;
+  tin.Compact();
+  qeltin::cli::RoundThinning thinning(tin);
+  while (left > target) {
+    int const removed = thinning.Round(left - target, {0.0f, std::numeric_limits<float>::max()});
+    if (removed == 0) break;
+    left -= removed;
+  }
+  tin.Compact();
+}
+
+[[gnu::noinline]] void ThinInRuns(TIN& tin, int target) {
   LocalFrame const frame(tin);
   for (int left = tin.GetNumberOfPoints() - SEED_CORNERS; left > target;) {
     left = Run(tin, qeltin::cli::ErrorFor(left - target, left, tin)) - SEED_CORNERS;
@@ -63,13 +78,13 @@ FlatMesh CopyOf(TIN const& tin) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Task const task = ParseTask(argc, argv, {"thin"});
+  Task const task = ParseTask(argc, argv, {"thin", "runs"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
   Measurement measurement;
   TIN tin;
   BuildSurface(tin, points);
   measurement.Start();
-  Thin(tin, static_cast<int>(SHARE_LEFT * task.size));
+  (task.work == "runs" ? ThinInRuns : ThinInRounds)(tin, static_cast<int>(SHARE_LEFT * task.size));
   measurement.Stop();
   FlatMesh const mesh = CopyOf(tin);
   AddFacts(MeasureHeightError(points, mesh), mesh, measurement);
