@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
+#include "qeltin/tin/InsertionOrder.h"
 #include "qeltin/tin/TIN.h"
 
 namespace qeltin::detail {
@@ -41,6 +43,7 @@ bool Compaction::Run() {
   if (!m_Mesh.IsSound() && !m_Mesh.Mend()) return false;
   if (!MakePools()) return false;
   FillPoints();
+  NumberTriangles();
   FillTriangles();
   Publish();
   return true;
@@ -146,52 +149,79 @@ bool Compaction::MakePools() {
   return m_pNewPoints->IsAllocated() && m_pNewTriangles->IsAllocated();
 }
 
-// The points in use, in live order, and then those that the live order has lost.
+// The points in use, in live order, and then those that the live order has lost. Their slots follow
+// a curve: what lies together in plan does so in memory.
 void Compaction::FillPoints() {
   constexpr int USED = -2;
+  constexpr int LISTED = -3;
   m_NewPoint.assign(Size(m_Points.m_iCapacity), NONE);
   for (Face const& face : m_Mesh.Faces()) {
     if (face.dropped) continue;
     for (int corner : face.corner) m_NewPoint[Size(corner)] = USED;
   }
-  auto const move = [this](int slot) {
+  std::vector<int> kept;
+  auto const list = [&](int slot) {
     if (m_NewPoint[Size(slot)] != USED) return;
-    m_NewPoint[Size(slot)] = m_pNewPoints->m_iCount;
-    m_pNewPoints->Add(m_Points.m_pData[slot]);
+    m_NewPoint[Size(slot)] = LISTED;
+    kept.push_back(slot);
   };
-  for (int i = 0; i < m_Points.m_iCount; ++i) move(m_Points.m_pIndex[i]);
-  for (int slot = 0; slot < m_Points.m_iCapacity; ++slot) move(slot);
+  for (int i = 0; i < m_Points.m_iCount; ++i) list(m_Points.m_pIndex[i]);
+  for (int slot = 0; slot < m_Points.m_iCapacity; ++slot) list(slot);
+
+  TArray<TPoint>& pool = *m_pNewPoints;
+  int slots = 0;
+  for (int slot : OrderAlongCurve(m_Points.m_pData, kept)) {
+    m_NewPoint[Size(slot)] = slots;
+    pool.m_pData[slots++] = m_Points.m_pData[slot];
+  }
+  for (int slot : kept) pool.m_pIndex[pool.m_iCount++] = m_NewPoint[Size(slot)];
+}
+
+// Gives the faces slots in the order of their lowest corners, and positions in their own.
+void Compaction::NumberTriangles() {
+  std::vector<Face> const& faces = m_Mesh.Faces();
+  TArray<TTriangle>& pool = *m_pNewTriangles;
+  std::vector<int> starts(Size(m_pNewPoints->m_iCount) + 1);
+  auto const startOf = [&](Face const& face) -> int& {
+    return starts[Size(std::min({m_NewPoint[Size(face.corner[0])], m_NewPoint[Size(face.corner[1])],
+                                 m_NewPoint[Size(face.corner[2])]}))];
+  };
+  for (Face const& face : faces) {
+    if (!face.dropped) ++startOf(face);
+  }
+  int slots = 0;
+  for (int& start : starts) slots += std::exchange(start, slots);
+  for (Face const& face : faces) {
+    m_NewPosition.push_back(face.dropped ? NONE : pool.m_iCount);
+    m_NewTriangle.push_back(face.dropped ? NONE : startOf(face)++);
+    if (!face.dropped) pool.m_pIndex[pool.m_iCount++] = m_NewTriangle.back();
+  }
 }
 
 void Compaction::FillTriangles() {
   std::vector<Face> const& faces = m_Mesh.Faces();
-  for (Face const& face : faces) {
-    m_NewTriangle.push_back(face.dropped ? NONE : m_pNewTriangles->m_iCount);
+  for (std::size_t i = 0; i < faces.size(); ++i) {
+    Face const& face = faces[i];
     if (face.dropped) continue;
     bool const made = face.slot == Face::MADE;
-    TTriangle* const t = m_pNewTriangles->Add(made ? TTriangle() : m_Triangles.m_pData[face.slot]);
-    for (int k = 0; k < 3; ++k) {
-      t->m_pVertex[k] = m_pNewPoints->m_pData + m_NewPoint[Size(face.corner[k])];
-    }
-    if (!made) continue;
-    t->CalcTri();
-    if (!m_Tin.InBounds(*t)) t->m_Flags |= TRI_OUTSIDE;
-  }
-  for (std::size_t i = 0; i < faces.size(); ++i) {
-    if (faces[i].dropped) continue;
     TTriangle& t = m_pNewTriangles->m_pData[m_NewTriangle[i]];
+    if (!made) t = m_Triangles.m_pData[face.slot];
     for (int k = 0; k < 3; ++k) {
-      int const neighbour = faces[i].adjacent[k];
+      int const neighbour = face.adjacent[k];
+      t.m_pVertex[k] = m_pNewPoints->m_pData + m_NewPoint[Size(face.corner[k])];
       t.m_pAdjacent[k] =
           neighbour < 0 ? nullptr : m_pNewTriangles->m_pData + m_NewTriangle[Size(neighbour)];
     }
+    if (!made) continue;
+    t.CalcTri();
+    if (!m_Tin.InBounds(t)) t.m_Flags |= TRI_OUTSIDE;
   }
 }
 
-// Returns the new slot, and so the new position, of the triangle in this slot, or NONE.
-int Compaction::NewPlace(int slot) const {
+// Returns the new position of the triangle in this slot, or NONE.
+int Compaction::NewPosition(int slot) const {
   int const face = slot == NO_SLOT ? NONE : m_FaceOfSlot[Size(slot)];
-  return face == NONE ? NONE : m_NewTriangle[Size(face)];
+  return face == NONE ? NONE : m_NewPosition[Size(face)];
 }
 
 // Rewrites the positions of triangles in a list, and drops those of triangles that are gone.
@@ -202,7 +232,7 @@ void Compaction::Follow(TArray<T>& list, PositionOf positionOf) const {
     T entry = *list.At(i);
     int& position = positionOf(entry);
     if (position < 0 || position >= m_Triangles.m_iCount) continue;
-    position = NewPlace(m_Triangles.m_pIndex[position]);
+    position = NewPosition(m_Triangles.m_pIndex[position]);
     if (position != NONE) *list.At(kept++) = entry;
   }
   list.m_iCount = kept;
@@ -215,7 +245,7 @@ void Compaction::Publish() {
   if (m_Tin.m_pStartPoints != nullptr) {
     Follow(*m_Tin.m_pStartPoints, [](TArrayStartPoint& start) -> int& { return start.triangle; });
   }
-  int const last = NewPlace(SlotOf(m_Triangles, m_Tin.m_pLastTriangle));
+  int const last = NewPosition(SlotOf(m_Triangles, m_Tin.m_pLastTriangle));
   m_Tin.ReplacePools(m_pNewPoints.release(), m_pNewTriangles.release());
   m_Tin.m_pLastTriangle = m_Tin.m_pTriangles->At(last == NONE ? 0 : last);
 }

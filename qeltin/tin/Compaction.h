@@ -34,8 +34,9 @@ class Compaction {
   std::vector<int> SeedCorners() const;
   bool MakePools();
   void FillPoints();
+  void NumberTriangles();
   void FillTriangles();
-  int NewPlace(int slot) const;
+  int NewPosition(int slot) const;
   template <typename T, typename PositionOf>
   void Follow(TArray<T>& list, PositionOf positionOf) const;
   void Publish();
@@ -50,6 +51,7 @@ class Compaction {
   std::unique_ptr<TArray<TTriangle>> m_pNewTriangles;
   std::vector<int> m_NewPoint;     // by slot of a point: its new slot, or NONE
   std::vector<int> m_NewTriangle;  // by face: its new slot, or NONE
+  std::vector<int> m_NewPosition;  // by face: its new position, or NONE
 };
 
 }  // namespace qeltin::detail

@@ -237,6 +237,17 @@ std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int co
   return slots;
 }
 
+std::vector<int> OrderAlongCurve(TPoint const* points, std::vector<int> const& slots) {
+  std::vector<Place> places(slots.size());
+  std::vector<Place> scratch(slots.size());
+  std::transform(slots.begin(), slots.end(), places.begin(),
+                 [](int slot) { return MakePlace(0, slot); });
+  FollowCurve(points, places.data(), scratch.data(), places.size());
+  std::vector<int> order(slots.size());
+  std::transform(places.begin(), places.end(), order.begin(), SlotOf);
+  return order;
+}
+
 std::vector<int> RandomOrder(TPoint const* points, int count) {
   std::vector<int> shuffled(static_cast<std::size_t>(count));
   std::iota(shuffled.begin(), shuffled.end(), 0);

@@ -30,6 +30,10 @@ void OrderInRounds(TPoint const* points, int const* shuffled, int count, Ordered
 // The same, but returns the slots alone.
 std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int count);
 
+// Returns the slots in the order in which a Hilbert curve meets their points, so that those near to
+// each other come after each other.
+std::vector<int> OrderAlongCurve(TPoint const* points, std::vector<int> const& slots);
+
 // Returns a random order in which to insert points whose live order is to be that of insertion: a
 // shuffle, in rounds where there are so many points that walks across the surface would cost more
 // than the insertions. Another order on every run.
