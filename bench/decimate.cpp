@@ -39,7 +39,7 @@ int Run(TIN& tin, float error) {
   return tin.GetMap().GetNumberOfPoints();
 }
 
-[[gnu::noinline]] void ThinInRounds(TIN& tin, int target) {
+void ThinInRounds(TIN& tin, int target) {
   int left = tin.GetNumberOfPoints() - SEED_CORNERS;
   tin.Compact();
   qeltin::cli::RoundThinning thinning(tin);
@@ -51,12 +51,16 @@ int Run(TIN& tin, float error) {
   tin.Compact();
 }
 
-[[gnu::noinline]] void ThinInRuns(TIN& tin, int target) {
+void ThinInRuns(TIN& tin, int target) {
   LocalFrame const frame(tin);
   for (int left = tin.GetNumberOfPoints() - SEED_CORNERS; left > target;) {
     left = Run(tin, qeltin::cli::ErrorFor(left - target, left, tin)) - SEED_CORNERS;
     tin.Compact();
   }
+}
+
+[[gnu::noinline]] void Thin(TIN& tin, Task const& task) {
+  (task.work == "runs" ? ThinInRuns : ThinInRounds)(tin, static_cast<int>(SHARE_LEFT * task.size));
 }
 
 FlatMesh CopyOf(TIN const& tin) {
@@ -84,7 +88,7 @@ int main(int argc, char** argv) {
   TIN tin;
   BuildSurface(tin, points);
   measurement.Start();
-  (task.work == "runs" ? ThinInRuns : ThinInRounds)(tin, static_cast<int>(SHARE_LEFT * task.size));
+  Thin(tin, task);
   measurement.Stop();
   FlatMesh const mesh = CopyOf(tin);
   AddFacts(MeasureHeightError(points, mesh), mesh, measurement);

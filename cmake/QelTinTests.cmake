@@ -79,6 +79,7 @@ if(TARGET qeltin_cli)
   if(test_program)
     find_package(nlohmann_json REQUIRED)
     add_dependencies(${test_program} qeltin_cli)
+    target_sources(${test_program} PRIVATE ${PROJECT_SOURCE_DIR}/apps/qeltin/RoundThinning.cpp)
     target_compile_definitions(${test_program} PRIVATE
       QELTIN_COMMAND="$<TARGET_FILE:qeltin_cli>" QELTIN_VERSION="${PROJECT_VERSION}")
     target_link_libraries(${test_program} PRIVATE nlohmann_json::nlohmann_json)

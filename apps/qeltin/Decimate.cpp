@@ -100,29 +100,43 @@ void ThinTo(int target, int vertices, ThinningOptions const& thinning, TIN const
   }
 }
 
-void ThinToTarget(DecimateOptions const& options, ThinningOptions thinning,
-                  SurfaceFacts const& facts, TIN const& tin, Thinning& runs) {
-  if (options.max_error.empty()) {
-    thinning.max_error = static_cast<float>(facts.highest - facts.lowest);
-  }
-  ThinTo(options.target, facts.vertices, thinning, tin, runs);
+// Rounds ask what a run asks by default.
+bool TakesRounds(ThinningOptions const& thinning) {
+  return thinning.keep_edges && !thinning.boundary && thinning.passes == 1;
 }
 
-Result Thin(TIN& tin, DecimateOptions const& options, ThinningOptions const& thinning) {
+void ThinToTarget(int target, int vertices, ThinningOptions const& thinning, TIN& tin,
+                  Thinning& runs) {
+  if (TakesRounds(thinning)) {
+    runs.MakeRounds(vertices - target, {thinning.min_error, thinning.max_error});
+  } else {
+    LocalFrame const frame(tin);
+    ThinTo(target, vertices, thinning, tin, runs);
+  }
+}
+
+void ThinOnce(ThinningOptions const& thinning, TIN& tin, Thinning& runs) {
+  LocalFrame const frame(tin);
+  runs.Run(thinning, {});
+}
+
+Result Thin(TIN& tin, DecimateOptions const& options, ThinningOptions thinning) {
   Result result;
   result.before = FactsOf(tin);
   if (result.before.visible_triangles == 0) {
     throw Failure(options.surface, "has no visible triangle");
   }
+  if (options.max_error.empty()) {
+    thinning.max_error = static_cast<float>(result.before.highest - result.before.lowest);
+  }
   std::vector<TPoint> const vertices = VerticesOf(tin);
   Thinning runs(tin, options.quiet);
   try {
-    LocalFrame const frame(tin);
     runs.Prepare();
-    if (options.target > 0) {
-      ThinToTarget(options, thinning, result.before, tin, runs);
-    } else {
-      runs.Run(thinning, {});
+    if (options.target == 0) {
+      ThinOnce(thinning, tin, runs);
+    } else if (options.target < result.before.vertices) {
+      ThinToTarget(options.target, result.before.vertices, thinning, tin, runs);
     }
   } catch (std::runtime_error const& e) {
     throw Failure(options.surface, std::string("cannot be thinned: ") + e.what());
@@ -234,9 +248,10 @@ void AddDecimate(CLI::App& application) {
                     "the line through two neighbours on it");
   command
       ->add_option("--target-points", options->target,
-                   "Make runs with errors that fit, up to --max-error, until\n"
-                   "no more than N points are left; each lets about a fifth\n"
-                   "go")
+                   "Go on until no more than N points are left, or none is as\n"
+                   "near as --max-error: in rounds of the nearest points, none\n"
+                   "of them beside another, or, where another option here\n"
+                   "chooses the test, in runs with errors that fit")
       ->check(CLI::Range(1, 2000000000).description(""))
       ->type_name("N");
   options->AddTo(*command);

@@ -106,10 +106,28 @@ int Thinning::Run(ThinningOptions const& options, std::optional<int> surplus) {
   int const removed = before - m_Tin.GetMap().GetNumberOfPoints();
   Merge(decimator.GetErrorStat(), m_Distances);
   ++m_iRuns;
+  Mend();
+  return removed;
+}
+
+void Thinning::MakeRounds(int surplus, RoundThinning::Limits limits) {
+  RoundThinning thinning(m_Tin);
+  {
+    Progress progress("thin", surplus, m_bQuiet);
+    for (int removed = 0; removed < surplus; progress.Done(removed), ++m_iRuns) {
+      int const now = thinning.Round(surplus - removed, limits);
+      if (now == 0) break;
+      removed += now;
+    }
+  }
+  Merge(thinning.Distances(), m_Distances);
+  Mend();
+}
+
+void Thinning::Mend() {
   if (!m_Tin.Compact())
     throw std::runtime_error(
         "its structure breaks; make a surface of its points by 'qeltin build' first");
-  return removed;
 }
 
 float StepBetween(float from, float to, int steps) {

@@ -53,18 +53,19 @@ void Permute(double* r, std::ptrdiff_t* order, Size n) {
   }
 }
 
+// Columns do not touch each other: the innermost loop goes over all of them at once.
 template <typename Size>
 void Substitute(double const* w, double* r, Size n) {
-  for (std::ptrdiff_t c = 0; c < n; ++c) {
-    for (std::ptrdiff_t i = 0; i < n; ++i) {
-      for (std::ptrdiff_t j = i - 1; j >= 0; --j) r[i * n + c] -= r[j * n + c] * w[i * n + j];
+  for (std::ptrdiff_t i = 0; i < n; ++i) {
+    for (std::ptrdiff_t j = i - 1; j >= 0; --j) {
+      for (std::ptrdiff_t c = 0; c < n; ++c) r[i * n + c] -= r[j * n + c] * w[i * n + j];
     }
   }
-  for (std::ptrdiff_t c = 0; c < n; ++c) {
-    for (std::ptrdiff_t i = n - 1; i >= 0; --i) {
-      for (std::ptrdiff_t j = i + 1; j < n; ++j) r[i * n + c] -= r[j * n + c] * w[i * n + j];
-      r[i * n + c] /= w[i * n + i];
+  for (std::ptrdiff_t i = n - 1; i >= 0; --i) {
+    for (std::ptrdiff_t j = i + 1; j < n; ++j) {
+      for (std::ptrdiff_t c = 0; c < n; ++c) r[i * n + c] -= r[j * n + c] * w[i * n + j];
     }
+    for (std::ptrdiff_t c = 0; c < n; ++c) r[i * n + c] /= w[i * n + i];
   }
 }
 

@@ -131,7 +131,8 @@ PointMapNode* PointMap::Search(TPoint const* point) {
     auto const* const entry = m_ByPlace.Find(*point);
     if (entry == nullptr) return nullptr;
     PointMapNode* node = entry->handle;
-    if (node != nullptr) return Differ(*node->m_pPoint, *point) ? nullptr : node;
+    if (node != nullptr)
+      return !node->IsValid() || Differ(*node->m_pPoint, *point) ? nullptr : node;
     if (!m_bComplete && FindInCluster(*point, node)) return node;
   }
   CompleteTree();
@@ -179,7 +180,7 @@ bool PointMap::AddPoint(TPoint const* point) {
 bool PointMap::RemovePoint(TPoint const* point) {
   PointMapNode* const node = Find(point);
   if (node == nullptr) return false;
-  if (m_bIndexed) EraseFromIndex(node);
+  if (m_bIndexed && OwnNode(node->m_pPoint) != node) EraseFromIndex(node);
   if (m_bComplete) {
     m_Tree.erase(m_Tree.find(*point));  // not by key: a coordinate need not be a number
   } else {

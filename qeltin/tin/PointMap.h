@@ -192,7 +192,8 @@ class QELTIN_API PointMap {
   std::vector<PointMapNode*> m_Free;  // of m_Others
 
   // The index, in the place of a tree, from Build to the next point. A null handle says that
-  // several entries share the place, or its hash.
+  // several entries share the place, or its hash, and one of a free node of m_OfSlot that there is
+  // none any more: those are never used again before the next Build.
   bool m_bIndexed = false;
   qeltin::detail::PlanTable<PointMapNode*> m_ByPlace;
   TPoint const* m_pPool = nullptr;  // whose nodes m_OfSlot are; not owned; null without an index

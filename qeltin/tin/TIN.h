@@ -211,7 +211,8 @@ class QELTIN_API TIN {
   // among them, are gone afterwards; slots that the live order had lost are back, at its end. The
   // order of the others, seed corners, boxes, flags, heights and capacities stay. The map goes, the
   // location starts anew, and addresses and positions handed out before are void; the Trimble lists
-  // follow.
+  // follow. Addresses follow a curve through the surface, so that work which goes by them instead
+  // of the order finds what is near in plan near in memory.
   //
   // The structure is sound where every neighbour of a triangle is in it, leads back, and has the
   // same two corners in the opposite order, or either of the two is in line as far as rounding can

@@ -202,6 +202,27 @@ TEST(TINCompact, DropsDuplicatesAndKeepsTheLiveOrder) {
   EXPECT_EQ(*tin.GetPoint(7), TPoint(4, 2, 5));
 }
 
+TEST(TINCompact, WhatIsNearInPlanIsNearInMemory) {
+  constexpr int COUNT = 3000;
+  TIN tin;
+  Build(tin, MakeSurvey(Survey::Uniform, COUNT, TestSeed()));
+  ASSERT_TRUE(tin.Compact());
+  double apart = 0.0;
+  double trianglesApart = 0.0;
+  int sides = 0;
+  for (int i = 0; i < tin.GetNumberOfTriangles(); ++i) {
+    TTriangle const* const t = tin.GetTriangle(i, false);
+    if (t == nullptr) continue;
+    for (int k = 0; k < 3; ++k) {
+      apart += static_cast<double>(std::abs(t->m_pVertex[k] - t->m_pVertex[(k + 1) % 3]));
+      trianglesApart += static_cast<double>(std::abs(t->m_pAdjacent[k] - t));
+      ++sides;
+    }
+  }
+  EXPECT_LT(apart / sides, COUNT / 15.0);  // in a random order a third
+  EXPECT_LT(trianglesApart / sides, 2 * COUNT / 15.0);
+}
+
 TEST(TINCompact, OfAnUntouchedSurfaceChangesNothingThatAFileHolds) {
   TIN tin;
   Build(tin, MakeSurvey(Survey::Uniform, 300, TestSeed()));

@@ -17,6 +17,7 @@ bool TIN::PointIsOnHull(TPoint const* point) const {
   auto const& triangles = m_pPointMap->FindPoint(point).GetTriangles();
   return std::any_of(triangles.begin(), triangles.end(), [this](TTriangle const* t) {
     return t->m_pAdjacent[0] == nullptr || t->m_pAdjacent[1] == nullptr ||
-           t->m_pAdjacent[2] == nullptr || !InBounds(*t);
+           t->m_pAdjacent[2] == nullptr || !InBounds(*t->m_pVertex[0]) ||
+           !InBounds(*t->m_pVertex[1]) || !InBounds(*t->m_pVertex[2]);
   });
 }
