@@ -132,16 +132,17 @@ int RoundThinning::Sweep(int wanted, float limit, bool& asked) {
   return removed;
 }
 
-// Returns true iff the point is near enough to its neighbours as they are now.
+// Returns true iff the point is near enough to its neighbours as they are now, which then stand in
+// the ring.
 bool RoundThinning::Ask(TPoint const& p, State& state, float limit) {
-  if (state.changed == 0) return true;
+  if (state.changed == 0) return CollectRing(p);
   state.changed = 0;
   state.distance = DistanceOf(p);
   return state.distance <= limit;
 }
 
+// Removes the point in the middle of the ring.
 bool RoundThinning::Remove(TPoint const& p) {
-  CollectRing(p);
   if (!m_Tin.RemovePoint(&p)) {
     StateOf(&p).distance = NEVER;
     return false;

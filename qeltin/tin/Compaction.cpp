@@ -35,8 +35,7 @@ Compaction::Compaction(TIN& tin)
       m_Mesh(m_Points.m_pData, m_Points.m_iCapacity) {}
 
 bool Compaction::Run() {
-  if (m_Points.m_iCount <= 0 || !Reach()) return false;
-  ListFaces();
+  if (m_Points.m_iCount <= 0 || !ListFaces()) return false;
   if (m_Mesh.Faces().empty()) return false;
   m_Mesh.SetSeedCorners(SeedCorners());
   m_Mesh.TurnOver();
@@ -49,76 +48,100 @@ bool Compaction::Run() {
   return true;
 }
 
-// Collects the live triangles and all that can be come by from them. Returns false where a
-// neighbour is in no slot of the pool.
-bool Compaction::Reach() {
-  m_FaceOfSlot.assign(Size(m_Triangles.m_iCapacity), NONE);
-  std::vector<bool> seen(Size(m_Triangles.m_iCapacity));
-  m_Reached.assign(m_Triangles.m_pIndex, m_Triangles.m_pIndex + std::max(0, m_Triangles.m_iCount));
-  for (int slot : m_Reached) seen[Size(slot)] = true;
-  for (std::size_t i = 0; i < m_Reached.size(); ++i) {
-    for (TTriangle const* neighbour : m_Triangles.m_pData[m_Reached[i]].m_pAdjacent) {
-      if (neighbour == nullptr) continue;
-      int const slot = SlotOf(m_Triangles, neighbour);
-      if (slot == NO_SLOT) return false;
-      if (seen[Size(slot)]) continue;
-      seen[Size(slot)] = true;
-      m_Reached.push_back(slot);
-    }
-  }
-  return true;
-}
-
-bool Compaction::LeadsBack(TTriangle const& t, int side) const {
+// Returns the neighbour across a side, where it leads back across the same side, or null.
+TTriangle const* Compaction::Partner(TTriangle const& t, int side) {
   TTriangle const* const neighbour = t.m_pAdjacent[side];
-  if (neighbour == nullptr || neighbour == &t) return false;
+  if (neighbour == nullptr || neighbour == &t) return nullptr;
   TPoint const* const a = t.m_pVertex[side];
   TPoint const* const b = t.m_pVertex[(side + 1) % 3];
   for (int k = 0; k < 3; ++k) {
+    if (neighbour->m_pAdjacent[k] != &t) continue;
     TPoint const* const c = neighbour->m_pVertex[k];
     TPoint const* const d = neighbour->m_pVertex[(k + 1) % 3];
-    if (neighbour->m_pAdjacent[k] == &t && ((a == d && b == c) || (a == c && b == d))) return true;
+    if ((a == d && b == c) || (a == c && b == d)) return neighbour;
   }
-  return false;
+  return nullptr;
 }
 
-bool Compaction::HasPlace(TTriangle const& t) const {
-  for (int k = 0; k < 3; ++k) {
-    TPoint const* const p = t.m_pVertex[k];
-    if (SlotOf(m_Points, p) == NO_SLOT || p == t.m_pVertex[(k + 1) % 3]) return false;
-    if (!std::isfinite(p->x) || !std::isfinite(p->y)) return false;
+// Lists the faces of the live triangles and of all that can be come by from them. Returns false
+// where a neighbour is in no slot of the pool.
+bool Compaction::ListFaces() {
+  FindPlaces();
+  m_FaceOfSlot.assign(Size(m_Triangles.m_iCapacity), NONE);
+  m_bSeen.assign(Size(m_Triangles.m_iCapacity), false);
+  m_Reached.assign(m_Triangles.m_pIndex, m_Triangles.m_pIndex + std::max(0, m_Triangles.m_iCount));
+  for (int slot : m_Reached) m_bSeen[Size(slot)] = true;
+  std::vector<Face>& faces = m_Mesh.Faces();
+  faces.reserve(m_Reached.size());
+  for (std::size_t i = 0; i < m_Reached.size(); ++i) {
+    FetchAfter(i);
+    Face face{{}, {}, m_Reached[i]};
+    if (!ReachFrom(face.slot)) return false;
+    if (!Read(face)) continue;
+    m_FaceOfSlot[Size(face.slot)] = static_cast<int>(faces.size());
+    faces.push_back(face);
+  }
+  for (Face& face : faces) {
+    for (int& neighbour : face.adjacent) {
+      if (neighbour < 0) continue;
+      neighbour = m_FaceOfSlot[Size(neighbour)];
+      if (neighbour == NONE) neighbour = Face::OPEN;
+    }
   }
   return true;
 }
 
-bool Compaction::IsJoined(TTriangle const& t) const {
-  if ((t.m_Flags & TRI_CAVITY) != 0) return false;
-  bool alone = true;
-  for (int side = 0; side < 3; ++side) {
-    if (LeadsBack(t, side)) return true;
-    alone = alone && t.m_pAdjacent[side] == nullptr;
+void Compaction::FindPlaces() {
+  m_HasPlace.resize(Size(m_Points.m_iCapacity));
+  for (std::size_t slot = 0; slot < m_HasPlace.size(); ++slot) {
+    TPoint const& p = m_Points.m_pData[slot];
+    m_HasPlace[slot] = std::isfinite(p.x) && std::isfinite(p.y);
   }
-  return alone;
 }
 
-void Compaction::ListFaces() {
-  std::vector<Face>& faces = m_Mesh.Faces();
-  for (int slot : m_Reached) {
-    TTriangle const& t = m_Triangles.m_pData[slot];
-    if (!IsJoined(t) || !HasPlace(t)) continue;
-    m_FaceOfSlot[Size(slot)] = static_cast<int>(faces.size());
-    Face face{{}, {}, slot};
-    for (int k = 0; k < 3; ++k) face.corner[k] = SlotOf(m_Points, t.m_pVertex[k]);
-    faces.push_back(face);
+// Has the memory fetched that triangles are about to be read from.
+void Compaction::FetchAfter(std::size_t i) const {
+  constexpr std::size_t AHEAD = 8;
+  if (i + 2 * AHEAD < m_Reached.size()) {
+    __builtin_prefetch(m_Triangles.m_pData + m_Reached[i + 2 * AHEAD]);
   }
-  for (Face& face : faces) {
-    TTriangle const& t = m_Triangles.m_pData[face.slot];
-    for (int k = 0; k < 3; ++k) {
-      TTriangle const* const neighbour = t.m_pAdjacent[k];
-      int const place = LeadsBack(t, k) ? m_FaceOfSlot[Size(SlotOf(m_Triangles, neighbour))] : NONE;
-      face.adjacent[k] = neighbour == nullptr ? Face::HULL : place == NONE ? Face::OPEN : place;
-    }
+  if (i + AHEAD >= m_Reached.size()) return;
+  for (TTriangle const* neighbour : m_Triangles.m_pData[m_Reached[i + AHEAD]].m_pAdjacent) {
+    __builtin_prefetch(neighbour);
   }
+}
+
+bool Compaction::ReachFrom(int slot) {
+  for (TTriangle const* neighbour : m_Triangles.m_pData[slot].m_pAdjacent) {
+    if (neighbour == nullptr) continue;
+    int const there = SlotOf(m_Triangles, neighbour);
+    if (there == NO_SLOT) return false;
+    if (m_bSeen[Size(there)]) continue;
+    m_bSeen[Size(there)] = true;
+    m_Reached.push_back(there);
+  }
+  return true;
+}
+
+// Finds the corners of `face` and, by slot, its neighbours. Returns false where the triangle in its
+// slot is not joined to another, though it should be, or a corner is no place.
+bool Compaction::Read(Face& face) const {
+  TTriangle const& t = m_Triangles.m_pData[face.slot];
+  if ((t.m_Flags & TRI_CAVITY) != 0) return false;
+  bool joined = false;
+  bool alone = true;
+  for (int k = 0; k < 3; ++k) {
+    face.corner[k] = SlotOf(m_Points, t.m_pVertex[k]);
+    if (face.corner[k] == NO_SLOT || !m_HasPlace[Size(face.corner[k])]) return false;
+    if (t.m_pVertex[k] == t.m_pVertex[(k + 1) % 3]) return false;
+    bool const none = t.m_pAdjacent[k] == nullptr;
+    TTriangle const* const partner = Partner(t, k);
+    joined = joined || partner != nullptr;
+    alone = alone && none;
+    face.adjacent[k] = none ? Face::HULL : Face::OPEN;
+    if (partner != nullptr) face.adjacent[k] = SlotOf(m_Triangles, partner);
+  }
+  return joined || alone;
 }
 
 // The points on the corners of the world box that the data bounds leave out.
@@ -189,6 +212,8 @@ void Compaction::NumberTriangles() {
   for (Face const& face : faces) {
     if (!face.dropped) ++startOf(face);
   }
+  m_NewPosition.reserve(faces.size());
+  m_NewTriangle.reserve(faces.size());
   int slots = 0;
   for (int& start : starts) slots += std::exchange(start, slots);
   for (Face const& face : faces) {

@@ -26,11 +26,12 @@ class Compaction {
  private:
   static constexpr int NONE = -1;
 
-  bool Reach();
-  bool IsJoined(TTriangle const& t) const;
-  bool HasPlace(TTriangle const& t) const;
-  bool LeadsBack(TTriangle const& t, int side) const;
-  void ListFaces();
+  bool ListFaces();
+  void FindPlaces();
+  void FetchAfter(std::size_t i) const;
+  bool ReachFrom(int slot);
+  bool Read(Face& face) const;
+  static TTriangle const* Partner(TTriangle const& t, int side);
   std::vector<int> SeedCorners() const;
   bool MakePools();
   void FillPoints();
@@ -45,6 +46,8 @@ class Compaction {
   TArray<TPoint> const& m_Points;
   TArray<TTriangle> const& m_Triangles;
   std::vector<int> m_Reached;     // slots of triangles: the live ones first, in their order
+  std::vector<bool> m_bSeen;      // by slot of a triangle: whether it is among those reached
+  std::vector<bool> m_HasPlace;   // by slot of a point: whether x and y are numbers
   std::vector<int> m_FaceOfSlot;  // by slot of a triangle: its face, or NONE
   FaceMesh m_Mesh;
   std::unique_ptr<TArray<TPoint>> m_pNewPoints;

@@ -40,9 +40,10 @@ void PointMapNode::Append(TTriangle* triangle) {
   m_Triangles.push_back(triangle);
 }
 
-void PointMapNode::Erase(TTriangle const* triangle) {
-  auto const it = std::find(m_Triangles.begin(), m_Triangles.end(), triangle);
-  if (it != m_Triangles.end()) m_Triangles.erase(it);
+void PointMapNode::Erase(TTriangle const* first, TTriangle const* second) {
+  auto const isOne = [=](TTriangle const* t) { return t == first || t == second; };
+  m_Triangles.erase(std::remove_if(m_Triangles.begin(), m_Triangles.end(), isOne),
+                    m_Triangles.end());
 }
 
 PointMap::PointMap(PointMap const& other) { *this = other; }
@@ -274,6 +275,9 @@ bool PointMap::EnterPoints(TIN const& tin) {
     } else {
       node.m_pPoint = nullptr;
     }
+  }
+  for (PointMapNode& node : m_OfSlot) {  // so that lists stand as their points do
+    if (node.IsValid()) node.m_Triangles.reserve(USUAL_DEGREE);
   }
   return true;
 }

@@ -49,10 +49,12 @@ class QELTIN_API PointMapNode {
   friend class qeltin::detail::FanPrefetch;
   friend class qeltin::detail::Removal;
 
-  // Enter `triangle` at the end of the list unless it is there, and erase it, if it is, with the
-  // order of the others kept.
+  // Enters `triangle` at the end of the list unless it is there.
   void Enter(TTriangle* triangle);
-  void Erase(TTriangle const* triangle);
+
+  // Erases one triangle or two, if they are there, with the order of the others kept.
+  void Erase(TTriangle const* first, TTriangle const* second);
+  void Erase(TTriangle const* triangle) { Erase(triangle, triangle); }
 
   void Append(TTriangle* triangle);
 

@@ -127,6 +127,7 @@ bool Removal::CollectCorners(TIN& tin, TPoint const* point, PointMapNode const* 
     Corner corner{m_Ring[i], tin.m_pPointMap->Find(m_Ring[i]), m_Along[i],
                   OuterOf(*m_Along[i], point), NONE};
     if (corner.node == nullptr || corner.node == node) return false;
+    __builtin_prefetch(corner.node->GetTriangles().data());
     if (corner.outer != nullptr) {
       corner.outerSide = SideOf(*corner.outer, m_Ring[i], m_Ring[i + 1 < n ? i + 1 : 0]);
       if (corner.outerSide == NONE) return false;
@@ -158,9 +159,8 @@ bool Removal::AreApart() const {
 // Overwrites triangles of the fan, the last one first, by those that fill the hole.
 void Removal::FillPlainly(TIN& tin) {
   for (std::size_t i = 0; i < m_Corners.size(); ++i) {
-    PointMapNode& node = *m_Corners[i].node;
-    node.Erase(m_Corners[i].fan);
-    node.Erase(m_Corners[i == 0 ? m_Corners.size() - 1 : i - 1].fan);
+    std::size_t const before = i == 0 ? m_Corners.size() - 1 : i - 1;
+    m_Corners[i].node->Erase(m_Corners[i].fan, m_Corners[before].fan);
   }
   m_Fillings.clear();
   for (TTriangle const& filling : m_NewTriangles) {
