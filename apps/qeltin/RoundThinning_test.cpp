@@ -10,20 +10,20 @@
 #include <vector>
 
 #include "qeltin/decimate/TPlane.h"
+#include "testing/ExpectSound.h"
 #include "testing/MakeSurvey.h"
-#include "testing/VerifySurface.h"
 
 namespace qeltin::cli {
 namespace {
 
 using qeltin::testing::ALL_SURVEYS;
 using qeltin::testing::Dice;
+using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::SurfaceRules;
 using qeltin::testing::Survey;
 using qeltin::testing::TestSeed;
-using qeltin::testing::VerifySurface;
 
 constexpr RoundThinning::Limits ANY = {0.0f, std::numeric_limits<float>::max()};
 
@@ -78,8 +78,7 @@ TEST_P(RoundThinningOf, LeavesASurfaceThatCompactsToASoundOne) {
   ASSERT_TRUE(tin.Compact());
   SurfaceRules rules;
   rules.delaunay = false;
-  auto const report = VerifySurface(tin, rules);
-  EXPECT_TRUE(report.Ok()) << report;
+  ExpectSound(tin, rules);
 }
 
 INSTANTIATE_TEST_SUITE_P(Surveys, RoundThinningOf, ::testing::ValuesIn(ALL_SURVEYS),

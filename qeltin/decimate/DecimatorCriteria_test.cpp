@@ -27,6 +27,31 @@ int PositionOf(TIN const& tin, TPoint const* point) {
   return -1;
 }
 
+// The ends of a line that the decimator found.
+struct Line {
+  TPoint* first;
+  TPoint* second;
+};
+
+Line BoundaryLine(Decimator const& decimator, int index) {
+  static TPoint other;
+  Line line{&other, &other};
+  DecimatorPeer::BoundaryNeighbours(decimator, index, line.first, line.second);
+  return line;
+}
+
+Line InteriorLine(Decimator const& decimator, int index) {
+  static TPoint other;
+  Line line{&other, &other};
+  DecimatorPeer::InteriorNeighbours(decimator, index, line.first, line.second);
+  return line;
+}
+
+void ExpectNoLine(Line const& line) {
+  EXPECT_EQ(line.first, nullptr);
+  EXPECT_EQ(line.second, nullptr);
+}
+
 // A centre in the origin with `degree` neighbours at a distance of 8, the first to the north, and a
 // wide ring around them.
 class Star {
@@ -145,9 +170,7 @@ class Hull : public ::testing::Test {
 };
 
 TEST_F(Hull, ALaterNeighbourTakesTheSecondPlace) {
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::BoundaryNeighbours(m_Decimator, 0, first, second);
+  auto const [first, second] = BoundaryLine(m_Decimator, 0);
   std::vector<TPoint*> neighbours;
   ASSERT_TRUE(m_Mesh.tin.GetNeighbours(m_pPoint, neighbours));
   ASSERT_EQ(neighbours.size(), 3u);  // all of them on the edge
@@ -156,9 +179,7 @@ TEST_F(Hull, ALaterNeighbourTakesTheSecondPlace) {
 }
 
 TEST_F(Hull, APointExactlyAtTheErrorFromTheLineStays) {
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::BoundaryNeighbours(m_Decimator, 0, first, second);
+  auto const [first, second] = BoundaryLine(m_Decimator, 0);
   auto const distance = static_cast<float>(TEdge(first, second).XY_Distance(*m_pPoint));
   ASSERT_GT(distance, 0.0f);
   DecimatorPeer::CurrentError(m_Decimator) = distance;
@@ -171,11 +192,7 @@ TEST_F(Hull, APointExactlyAtTheErrorFromTheLineStays) {
 TEST_F(Hull, WithFewerThanTwoNeighboursThereIsNoLine) {
   m_Mesh.tin.GetMap().RemovePoint(m_pEast);
   m_Mesh.tin.GetMap().RemovePoint(m_pNorth);
-  TPoint* first = m_pWest;
-  TPoint* second = m_pWest;
-  DecimatorPeer::BoundaryNeighbours(m_Decimator, 0, first, second);
-  EXPECT_EQ(first, nullptr);
-  EXPECT_EQ(second, nullptr);
+  ExpectNoLine(BoundaryLine(m_Decimator, 0));
   DecimatorPeer::CurrentError(m_Decimator) = 100.0f;
   EXPECT_FALSE(PassesLine());
 }
@@ -270,22 +287,14 @@ TEST_F(Fan, WithoutANextTriangleIsUnresolved) {
   Lead(0, 1);
   Lead(1, 2);
   EXPECT_EQ(DecimatorPeer::Classify(m_Decimator, m_pCentre), VERTEX_UNRESOLVED);
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::InteriorNeighbours(m_Decimator, 0, first, second);
-  EXPECT_EQ(first, nullptr);
-  EXPECT_EQ(second, nullptr);
+  ExpectNoLine(InteriorLine(m_Decimator, 0));
 }
 
 TEST_F(Fan, ThatNeverComesBackToItsFirstTriangleIsUnresolved) {
   for (std::size_t i = 0; i < 7; ++i) Lead(i, i + 1);
   Lead(7, 2);
   EXPECT_EQ(DecimatorPeer::Classify(m_Decimator, m_pCentre), VERTEX_UNRESOLVED);
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::InteriorNeighbours(m_Decimator, 0, first, second);
-  EXPECT_EQ(first, nullptr);
-  EXPECT_EQ(second, nullptr);
+  ExpectNoLine(InteriorLine(m_Decimator, 0));
 }
 
 TEST_F(Fan, ThatRunsInCirclesThroughASmoothSideCountsItAgain) {
@@ -310,9 +319,7 @@ TEST(DecimatorInside, TheAngleIsComparedWithTheCosine) {
   // that the angle over the ridge is below and above 1, the cosine of 0.
   for (double const rise : {4.0, 5.0}) {
     Roof roof(rise);
-    TPoint* first = nullptr;
-    TPoint* second = nullptr;
-    DecimatorPeer::InteriorNeighbours(roof.decimator, roof.Index(), first, second);
+    auto const [first, second] = InteriorLine(roof.decimator, roof.Index());
     EXPECT_EQ(first != nullptr, rise == 5.0);
     EXPECT_EQ(second != nullptr, rise == 5.0);
   }
@@ -320,9 +327,7 @@ TEST(DecimatorInside, TheAngleIsComparedWithTheCosine) {
 
 TEST(DecimatorInside, TheNeighboursAreTheSecondPointsOfTheSharedSides) {
   Roof roof(5.0);
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::InteriorNeighbours(roof.decimator, roof.Index(), first, second);
+  auto const [first, second] = InteriorLine(roof.decimator, roof.Index());
   std::vector<TPoint*> const expected = {roof.ring[1], roof.ring[3], roof.centre};
   EXPECT_NE(std::find(expected.begin(), expected.end(), first), expected.end());
   EXPECT_NE(std::find(expected.begin(), expected.end(), second), expected.end());
@@ -337,11 +342,7 @@ TEST(DecimatorInside, TheNeighboursAreTheSecondPointsOfTheSharedSides) {
 TEST(DecimatorInside, OneNeighbourAloneIsNone) {
   Roof roof(5.0);
   roof.ring[3]->z = -3.0;  // along the other half of the ridge the angle is 0.83 now
-  TPoint* first = nullptr;
-  TPoint* second = nullptr;
-  DecimatorPeer::InteriorNeighbours(roof.decimator, roof.Index(), first, second);
-  EXPECT_EQ(first, nullptr);
-  EXPECT_EQ(second, nullptr);
+  ExpectNoLine(InteriorLine(roof.decimator, roof.Index()));
   DecimatorPeer::CurrentError(roof.decimator) = 100.0f;
   EXPECT_FALSE(DecimatorPeer::PassLine(roof.decimator, roof.Index(), VERTEX_TWO_SMOOTH));
 }

@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <tuple>
 #include <vector>
 
 #include "qeltin/decimate/Decimator.h"
 #include "testing/DecimatorPeer.h"
 #include "testing/Formula.h"
-#include "testing/MakeSurvey.h"
+#include "testing/SurveyAtPlace.h"
 #include "testing/TINPeer.h"
 #include "testing/reference/ReferenceDecimator.h"
 #include "testing/reference/Twin.h"
@@ -17,22 +15,18 @@
 
 namespace {
 
-using qeltin::testing::ALL_SURVEYS;
+using qeltin::testing::AllSurveysAtAllPlaces;
 using qeltin::testing::DecimatorPeer;
 using qeltin::testing::Dice;
-using qeltin::testing::Extent;
-using qeltin::testing::ExtentOf;
 using qeltin::testing::MakeSurvey;
-using qeltin::testing::Place;
-using qeltin::testing::PLACES;
+using qeltin::testing::NameOfParam;
 using qeltin::testing::ReferenceDecimator;
 using qeltin::testing::SameBits;
 using qeltin::testing::Survey;
+using qeltin::testing::SurveyAtPlace;
 using qeltin::testing::TestSeed;
 using qeltin::testing::TINPeer;
 using qeltin::testing::Twin;
-
-using SurveyAtPlace = std::tuple<Survey, Place>;
 
 constexpr unsigned int MESSAGE = 0x401;
 
@@ -132,23 +126,14 @@ class Runs {
   ReferenceDecimator reference;
 };
 
-class DecimatorReference : public ::testing::TestWithParam<SurveyAtPlace> {
- protected:
-  static void Build(Twin& twin, int count, std::uint64_t seed) {
-    std::vector<TPoint> const points =
-        MakeSurvey(std::get<0>(GetParam()), count, seed, std::get<1>(GetParam()).frame);
-    Extent const extent = ExtentOf(points);
-    twin.Init(count, extent.min, extent.max);
-    twin.AddPoints(points);
-  }
-};
+class DecimatorReference : public ::testing::TestWithParam<SurveyAtPlace> {};
 
 TEST_P(DecimatorReference, StepsThroughWholeRuns) {
   Dice dice(TestSeed());
   for (int const count : {1, 5, 12, 30, 150}) {
     for (int run = 0; run < 2; ++run) {
       Twin twin(1000);
-      Build(twin, count, dice.Bits());
+      twin.Build(MakeSurvey(GetParam(), count, dice.Bits()));
       Runs runs(twin);
       runs.DrawSettings(dice);
       runs.Compare(dice.OneIn(4) ? dice.Below(3 * count) : -1);
@@ -158,14 +143,7 @@ TEST_P(DecimatorReference, StepsThroughWholeRuns) {
   }
 }
 
-std::string NameOfParam(::testing::TestParamInfo<SurveyAtPlace> const& info) {
-  return std::string(NameOf(std::get<0>(info.param))) + std::get<1>(info.param).name;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, DecimatorReference,
-                         ::testing::Combine(::testing::ValuesIn(ALL_SURVEYS),
-                                            ::testing::ValuesIn(PLACES)),
-                         NameOfParam);
+INSTANTIATE_TEST_SUITE_P(All, DecimatorReference, AllSurveysAtAllPlaces(), NameOfParam);
 
 // Every class of point and both tests against a line come up in such runs.
 TEST(DecimatorReferenceRuns, MeetEveryClassOfPoint) {
@@ -176,10 +154,8 @@ TEST(DecimatorReferenceRuns, MeetEveryClassOfPoint) {
   for (int run = 0; run < 60; ++run) {
     std::vector<TPoint> points = MakeSurvey(Survey::JitteredGrid, 150, dice.Bits());
     for (TPoint& p : points) p.z = dice.Between(0.0, 2.0);
-    Extent const extent = ExtentOf(points);
     Twin twin(1000);
-    twin.Init(150, extent.min, extent.max);
-    twin.AddPoints(points);
+    twin.Build(points);
     Runs runs(twin);
     runs.DrawSettings(dice);
     runs.decimator.PreserveEdges(runs.reference.preserveEdges = false);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "testing/MakeSurvey.h"
 #include "testing/TINPeer.h"
 #include "testing/TemporaryFolder.h"
 #include "testing/reference/CompareSurfaces.h"
@@ -73,6 +74,12 @@ void Twin::Init(int points, TPoint const& min, TPoint const& max) {
   if (here != there) Differ("Init", "another result");
   std::srand(1);  // Init takes the clock, and a failing test must fail again
   if (there) Step("Init");
+}
+
+void Twin::Build(std::vector<TPoint> const& points) {
+  Extent const extent = ExtentOf(points);
+  Init(static_cast<int>(points.size()), extent.min, extent.max);
+  AddPoints(points);
 }
 
 void Twin::Create(std::vector<IPoint> points) {

@@ -25,6 +25,9 @@ class Twin {
 
   void Init(int points, TPoint const& min, TPoint const& max);
 
+  // Init for these points and their box, and AddPoints.
+  void Build(std::vector<TPoint> const& points);
+
   // Create, all at once on the TIN. Nothing can be handed over in the middle of it, so where chance
   // decides, the comparison stops.
   void Create(std::vector<IPoint> points);
