@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <limits>
 
 namespace qeltin::cli {
@@ -56,6 +57,19 @@ class PlaneFit {
   double m_dXZ = 0.0;
   double m_dYZ = 0.0;
 };
+
+// The plan area of a closed figure, from one of its corners as the origin.
+template <typename Corners>
+double AreaOf(Corners const& figure) {
+  TPoint const& origin = **std::begin(figure);
+  TPoint const* a = *std::begin(figure);
+  double twice = 0.0;
+  for (TPoint const* b : figure) {
+    twice += (a->x - origin.x) * (b->y - origin.y) - (b->x - origin.x) * (a->y - origin.y);
+    a = b;
+  }
+  return std::fabs(twice) / 2;
+}
 
 }  // namespace
 
@@ -143,12 +157,37 @@ bool RoundThinning::Ask(TPoint const& p, State& state, float limit) {
 
 // Removes the point in the middle of the ring.
 bool RoundThinning::Remove(TPoint const& p) {
-  if (!m_Tin.RemovePoint(&p)) {
+  if ((m_bOpen && !LeavesACleanHole(p)) || !m_Tin.RemovePoint(&p)) {
     StateOf(&p).distance = NEVER;
     return false;
   }
   for (TPoint const* neighbour : m_Ring) StateOf(neighbour).changed = m_iRound;
   return true;
+}
+
+// Returns true iff the triangles that fill the hole around `p` cover it once.
+bool RoundThinning::LeavesACleanHole(TPoint const& p) {
+  constexpr double ROUNDING = 1e-9;
+  std::deque<TPoint*> hole = HoleAround(p);
+  double const area = AreaOf(hole);
+  std::vector<TTriangle> fillings;
+  Triangulator::FillHole(fillings, hole);
+  double covered = 0.0;
+  for (TTriangle const& t : fillings) covered += AreaOf(t.m_pVertex);
+  return std::fabs(covered - area) <= ROUNDING * area;
+}
+
+// Returns the neighbours of `p` in the order in which they stand around it.
+std::deque<TPoint*> RoundThinning::HoleAround(TPoint const& p) {
+  std::deque<TPoint*> hole;
+  auto const& fan = m_Tin.GetMap().FindPoint(&p).GetTriangles();
+  for (TTriangle const* t = fan.front(); t != nullptr && hole.size() < fan.size();) {
+    int k = 0;
+    while (k < 2 && t->m_pVertex[k] != &p) ++k;
+    hole.push_back(t->m_pVertex[(k + 1) % 3]);
+    t = t->m_pAdjacent[(k + 2) % 3];
+  }
+  return hole;
 }
 
 // Fills the ring with the neighbours of `p`. Returns false where a triangle around it is hidden or
@@ -158,7 +197,10 @@ bool RoundThinning::CollectRing(TPoint const& p) {
   for (TTriangle const* t : m_Tin.GetMap().FindPoint(&p).GetTriangles()) {
     if (t->IsHidden()) return false;
     for (int k = 0; k < 3; ++k) {
-      if (t->m_pAdjacent[k] == nullptr) return false;
+      if (t->m_pAdjacent[k] == nullptr) {
+        m_bOpen = true;
+        return false;
+      }
       if (t->m_pVertex[k] == &p) m_Ring.push_back(t->m_pVertex[(k + 1) % 3]);
     }
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <vector>
 
 #include "qeltin/decimate/CStatist.h"
@@ -11,6 +12,10 @@ namespace qeltin::cli {
 // Thins a surface in place, round after round, by TIN::RemovePoint. A round removes the points that
 // are nearest to the plane through their neighbours, but none beside another one: so what is left
 // stays evenly spread, and each distance is that to the surface as it is when the point goes.
+//
+// In a surface whose edge is that of its triangles, without a seed rectangle around it, a point
+// stays too whose hole would be filled with triangles over each other: near an edge these cannot
+// always be mended.
 //
 // A point without a closed, visible fan stays, and one with fewer than four neighbours does until
 // it has more. Planes are fitted by least squares of the heights, as TPlane does, from the point as
@@ -46,6 +51,8 @@ class RoundThinning {
   int Sweep(int wanted, float limit, bool& asked);
   bool Ask(TPoint const& p, State& state, float limit);
   bool Remove(TPoint const& p);
+  bool LeavesACleanHole(TPoint const& p);
+  std::deque<TPoint*> HoleAround(TPoint const& p);
   bool CollectRing(TPoint const& p);
   float DistanceOf(TPoint const& p);
   State& StateOf(TPoint const* p) { return m_States[static_cast<std::size_t>(p - m_pFirst)]; }
@@ -57,6 +64,7 @@ class RoundThinning {
   std::vector<TPoint const*> m_Ring;
   CStatist m_Distances;
   int m_iRound = 0;
+  bool m_bOpen = false;  // whether a visible triangle lacks a neighbour
 };
 
 }  // namespace qeltin::cli

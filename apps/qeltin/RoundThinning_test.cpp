@@ -11,6 +11,7 @@
 
 #include "qeltin/decimate/TPlane.h"
 #include "testing/ExpectSound.h"
+#include "testing/HandMadeMesh.h"
 #include "testing/MakeSurvey.h"
 
 namespace qeltin::cli {
@@ -20,6 +21,7 @@ using qeltin::testing::ALL_SURVEYS;
 using qeltin::testing::Dice;
 using qeltin::testing::ExpectSound;
 using qeltin::testing::ExtentOf;
+using qeltin::testing::HandMadeMesh;
 using qeltin::testing::MakeSurvey;
 using qeltin::testing::SurfaceRules;
 using qeltin::testing::Survey;
@@ -199,6 +201,38 @@ TEST(RoundThinning, FarFromTheOriginTheSamePointsGo) {
     if (std::binary_search(left.begin(), left.end(), back)) ++same;
   }
   EXPECT_GE(same, 190);  // of 204, the seed corners aside, where a tie went another way
+}
+
+// A middle at (500, 500), the ring around it, from there, and a triangle beyond each side of the
+// ring, without a seed rectangle. Returns how many points go.
+int GoneFromWheel(std::vector<TPoint> const& places) {
+  HandMadeMesh mesh;
+  TPoint* const middle = mesh.Point(500, 500);
+  std::vector<TPoint*> ring;
+  for (TPoint const& p : places) ring.push_back(mesh.Point(500 + p.x, 500 + p.y));
+  std::vector<TTriangle*> spokes;
+  for (std::size_t i = 0; i < ring.size(); ++i) {
+    TPoint* const next = ring[(i + 1) % ring.size()];
+    spokes.push_back(mesh.LayClockwise(middle, ring[i], next));
+    TPoint* const beyond =
+        mesh.Point(3 * (ring[i]->x + next->x) / 2 - 1000, 3 * (ring[i]->y + next->y) / 2 - 1000);
+    HandMadeMesh::Link(spokes.back(), mesh.LayClockwise(ring[i], next, beyond));
+  }
+  for (std::size_t i = 0; i < spokes.size(); ++i) {
+    HandMadeMesh::Link(spokes[i], spokes[(i + 1) % spokes.size()]);
+  }
+  return RoundThinning(mesh.tin).Round(100, ANY);
+}
+
+TEST(RoundThinning, WithoutASeedAPointStaysWhoseHoleCannotBeFilledCleanly) {
+  EXPECT_EQ(GoneFromWheel({{0, 4}, {4, 1}, {3, -4}, {-3, -4}, {-4, 1}}), 1);
+  EXPECT_EQ(GoneFromWheel({{-1.325083, -3.2933726},
+                           {-4.0776448, -0.269416073},
+                           {-0.0240024268, 0.00130958075},
+                           {-0.0974077651, 0.0579179262},
+                           {4.14196136, 0.273665565},
+                           {0.394361827, -1.57796315}}),
+            0);
 }
 
 TEST(RoundThinning, OfAnEmptySurfaceRemovesNothing) {
