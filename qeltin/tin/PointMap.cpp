@@ -40,10 +40,9 @@ void PointMapNode::Append(TTriangle* triangle) {
   m_Triangles.push_back(triangle);
 }
 
-void PointMapNode::Erase(TTriangle const* first, TTriangle const* second) {
-  auto const isOne = [=](TTriangle const* t) { return t == first || t == second; };
-  m_Triangles.erase(std::remove_if(m_Triangles.begin(), m_Triangles.end(), isOne),
-                    m_Triangles.end());
+void PointMapNode::Erase(TTriangle const* triangle) {
+  auto const it = std::find(m_Triangles.begin(), m_Triangles.end(), triangle);
+  if (it != m_Triangles.end()) m_Triangles.erase(it);
 }
 
 PointMap::PointMap(PointMap const& other) { *this = other; }

@@ -49,12 +49,10 @@ class QELTIN_API PointMapNode {
   friend class qeltin::detail::FanPrefetch;
   friend class qeltin::detail::Removal;
 
-  // Enters `triangle` at the end of the list unless it is there.
+  // Enter `triangle` at the end of the list unless it is there, and erase it, if it is, with the
+  // order of the others kept.
   void Enter(TTriangle* triangle);
-
-  // Erases one triangle or two, if they are there, with the order of the others kept.
-  void Erase(TTriangle const* first, TTriangle const* second);
-  void Erase(TTriangle const* triangle) { Erase(triangle, triangle); }
+  void Erase(TTriangle const* triangle);
 
   void Append(TTriangle* triangle);
 

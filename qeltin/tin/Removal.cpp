@@ -156,11 +156,15 @@ bool Removal::AreApart() const {
   return true;
 }
 
+void Removal::EraseBoth(PointMapNode& node, TTriangle const* first, TTriangle const* second) {
+  std::erase_if(node.m_Triangles, [=](TTriangle const* t) { return t == first || t == second; });
+}
+
 // Overwrites triangles of the fan, the last one first, by those that fill the hole.
 void Removal::FillPlainly(TIN& tin) {
   for (std::size_t i = 0; i < m_Corners.size(); ++i) {
     std::size_t const before = i == 0 ? m_Corners.size() - 1 : i - 1;
-    m_Corners[i].node->Erase(m_Corners[i].fan, m_Corners[before].fan);
+    EraseBoth(*m_Corners[i].node, m_Corners[i].fan, m_Corners[before].fan);
   }
   m_Fillings.clear();
   for (TTriangle const& filling : m_NewTriangles) {

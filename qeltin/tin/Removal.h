@@ -82,6 +82,7 @@ class Removal {
 
   bool CollectCorners(TIN& tin, TPoint const* point, PointMapNode const* node);
   bool AreApart() const;
+  static void EraseBoth(PointMapNode& node, TTriangle const* first, TTriangle const* second);
   void FillPlainly(TIN& tin);
   void CutEar(std::size_t position, TTriangle* ear);
   static void JoinSide(TTriangle* t, int side, Side const& along);
