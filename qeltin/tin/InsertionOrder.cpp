@@ -166,6 +166,13 @@ void FollowCurve(OrderedPoint* points, OrderedPoint* scratch, std::size_t count)
   FollowCurveInside(points, scratch, count);
 }
 
+std::vector<int> SlotsOf(std::vector<OrderedPoint> const& points) {
+  std::vector<int> slots(points.size());
+  std::transform(points.begin(), points.end(), slots.begin(),
+                 [](OrderedPoint const& p) { return p.slot; });
+  return slots;
+}
+
 // Returns where each round begins among `count` points, and `count` at the end.
 std::vector<int> RoundStarts(int count) {
   std::vector<int> starts;
@@ -231,21 +238,19 @@ std::vector<int> OrderInRounds(TPoint const* points, int const* shuffled, int co
   std::vector<OrderedPoint> ordered(size);
   std::vector<OrderedPoint> scratch(size);
   OrderInRounds(points, shuffled, count, ordered.data(), scratch.data());
-  std::vector<int> slots(size);
-  std::transform(ordered.begin(), ordered.end(), slots.begin(),
-                 [](OrderedPoint const& p) { return p.slot; });
-  return slots;
+  return SlotsOf(ordered);
 }
 
 std::vector<int> OrderAlongCurve(TPoint const* points, std::vector<int> const& slots) {
-  std::vector<Place> places(slots.size());
-  std::vector<Place> scratch(slots.size());
-  std::transform(slots.begin(), slots.end(), places.begin(),
-                 [](int slot) { return MakePlace(0, slot); });
-  FollowCurve(points, places.data(), scratch.data(), places.size());
-  std::vector<int> order(slots.size());
-  std::transform(places.begin(), places.end(), order.begin(), SlotOf);
-  return order;
+  std::vector<OrderedPoint> ordered;
+  ordered.reserve(slots.size());
+  for (int slot : slots) {
+    TPoint const& p = points[slot];
+    ordered.push_back({p.x, p.y, p.z, slot, 0});
+  }
+  std::vector<OrderedPoint> scratch(slots.size());
+  FollowCurve(ordered.data(), scratch.data(), ordered.size());
+  return SlotsOf(ordered);
 }
 
 std::vector<int> RandomOrder(TPoint const* points, int count) {
