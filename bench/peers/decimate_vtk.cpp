@@ -45,7 +45,7 @@ FlatMesh CopyOf(vtkPolyData& mesh) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Task const task = ParseTask(argc, argv, {"thin"});
+  Task const task = ParseTask(argc, argv, {"thin", "runs"});
   std::vector<IPoint> const points = MakeSurveyInput(task.input, task.size);
   vtkNew<vtkPolyData> mesh;
   {

@@ -70,6 +70,7 @@ def all_rows():
     add("profiles", "profiles", "trace", "cgal", ["uniform"], usual, 0.5)
     add("volume", "volumes", "volume", "scan", ["uniform"], usual, 1.2)
     add("decimate", "decimate", "thin", "vtk", ["uniform", "swaths"], usual, 0.3)
+    add("decimate_runs", "decimate", "runs", "vtk", ["uniform"], some, None)
     add("point_map", "point_map", "fill", "tree", ["uniform"], usual, 0.5)
     add("xyz_read", "xyz_text", "read", "fast_float", ["uniform", "single_beam"], usual, 1.4)
     add("xyz_write", "xyz_text", "write", "to_chars", ["uniform"], usual, None)

@@ -11,6 +11,10 @@ namespace {
 // From here on a block is mapped. Smaller ones come from the allocator, which the sanitizers watch.
 constexpr std::size_t MAPPED_FROM = std::size_t{4} << 20;
 
+// A virtual machine may have to ask its host for fresh huge pages, which then take longer to clear
+// than a large surface takes to build.
+constexpr std::size_t HUGE_PAGES_UP_TO = std::size_t{512} << 20;
+
 }  // namespace
 
 void* AllocateZeroed(std::size_t bytes) {
@@ -18,7 +22,9 @@ void* AllocateZeroed(std::size_t bytes) {
   void* const block =
       mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (block == MAP_FAILED) return nullptr;
-  madvise(block, bytes, MADV_HUGEPAGE);  // walks jump about in it: fewer misses in page tables
+  if (bytes <= HUGE_PAGES_UP_TO) {
+    madvise(block, bytes, MADV_HUGEPAGE);  // walks jump about in it: fewer misses in page tables
+  }
   return block;
 }
 
